@@ -1,0 +1,39 @@
+# The front door: make demo, make test, make build, make bench, make fuzz,
+# make format, make format-check. Missing Debian packages are installed when
+# run as root.
+
+BUILD_DIR  ?= build/release
+TEST_DIR   ?= build/test
+BENCH_DIR  ?= build/bench
+JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
+
+BUILD_PACKAGES := cmake g++ make
+TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs
+
+.PHONY: all build test demo bench fuzz format format-check clean
+
+all: build
+
+build:
+	@tools/require-packages $(BUILD_PACKAGES)
+	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Release -DMOTBAKE_BUILD_TESTS=OFF
+	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+# Sanitizers and warnings-as-errors, then every test.
+test:
+	@tools/require-packages $(TEST_PACKAGES)
+	cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DMOTBAKE_BUILD_TESTS=ON \
+	      -DMOTBAKE_SANITIZE=ON -DMOTBAKE_WERROR=ON
+	cmake --build $(TEST_DIR) -j $(JOBS)
+	cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)
+
+format:
+	@tools/require-packages clang-format
+	git ls-files '*.h' '*.cpp' | xargs clang-format -i -style=file
+
+format-check:
+	@tools/require-packages clang-format
+	git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run --Werror -style=file
+
+clean:
+	rm -rf build out

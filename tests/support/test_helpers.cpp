@@ -1,0 +1,115 @@
+// Helpers shared by the tests.
+#include "support/test_helpers.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <ftw.h>
+#include <iostream>
+#include <stdexcept>
+#include <unistd.h>
+
+#include "toolkit/KtError.h"
+
+StreamCapture::StreamCapture(std::ostream& stream)
+    : _stream(stream)
+    , _saved(stream.rdbuf())
+{
+    _stream.rdbuf(_buffer.rdbuf());
+}
+
+StreamCapture::~StreamCapture()
+{
+    _stream.rdbuf(_saved);
+}
+
+InputFeed::InputFeed(std::istream& stream, const std::string& text)
+    : _stream(stream)
+    , _saved(stream.rdbuf())
+    , _buffer(text)
+{
+    _stream.rdbuf(_buffer.rdbuf());
+    _stream.clear();
+}
+
+InputFeed::~InputFeed()
+{
+    _stream.rdbuf(_saved);
+    _stream.clear();
+}
+
+TempDir::TempDir()
+{
+    const char* base = std::getenv("TMPDIR");
+    std::string pattern =
+        std::string(base && *base ? base : "/tmp") + "/motbake-test-XXXXXX";
+    if (!mkdtemp(&pattern[0]))
+        throw std::runtime_error("cannot create " + pattern);
+    _path = pattern;
+}
+
+namespace
+{
+
+int removeEntry(const char* path, const struct stat*, int, struct FTW*)
+{
+    return ::remove(path);
+}
+
+std::string block(const char* prefix,
+                  const char* indent,
+                  std::initializer_list<const char*> messages)
+{
+    std::string text = std::string("\n\n") + prefix;
+    bool head = true;
+    for (const char* message : messages)
+    {
+        if (!head)
+            text += indent;
+        // Long messages (with temporary paths in them) wrap as printed; the
+        // wrapping itself has tests of its own.
+        KtStr wrapped = KtWrapString(message, 70, 8);
+        wrapped.replaceAll("\n", (std::string("\n") + indent).c_str());
+        text += wrapped.text();
+        text += "\n";
+        head = false;
+    }
+    return text + "\n";
+}
+
+} // namespace
+
+TempDir::~TempDir()
+{
+    nftw(_path.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
+}
+
+void writeFile(const std::string& path, const std::string& content)
+{
+    std::ofstream out(path, std::ios::binary);
+    out << content;
+}
+
+std::string readFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string printedChain()
+{
+    StreamCapture capture(std::cerr);
+    KtCheckException();
+    return capture.text();
+}
+
+std::string errorBlock(std::initializer_list<const char*> messages)
+{
+    return block("ERROR: ", "       ", messages);
+}
+
+std::string warningBlock(std::initializer_list<const char*> messages)
+{
+    return block("WARNING: ", "         ", messages);
+}
