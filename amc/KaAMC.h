@@ -1,0 +1,136 @@
+// KaAMC: one motion document: frames (fields) of per-bone channel values.
+#pragma once
+
+#include <iosfwd>
+
+#include "toolkit/KtArray.h"
+#include "toolkit/KtList.h"
+#include "toolkit/KtStr.h"
+
+// One bone's values in one field, in file order. The name is shared: it
+// points into the motion's bone-name list and is not owned by the bone.
+class KaAMCBone
+{
+public:
+    KaAMCBone() = default;
+
+    const KtStr* name() const { return _name; }
+    void setName(const KtStr* name) { _name = name; }
+
+    int numValues() const;
+    const float* values() const;
+    float value(int i) const { return values()[i]; }
+    void setValues(const float* values, int count);
+
+    // Reads the rest of the current line as values, up to the first text
+    // that is not a number.
+    void scanFrom(std::istream& in);
+    // "name v1 v2 ... " (every value followed by a blank).
+    void printOn(std::ostream& out) const;
+
+private:
+    const KtStr* _name = nullptr;
+    KtDArray<float> _values;
+};
+
+// One frame: its number as written and its bones in line order.
+class KaAMCField
+{
+public:
+    KaAMCField() = default;
+
+    int frameNumber() const { return _frameNumber; }
+    void setFrameNumber(int frame) { _frameNumber = frame; }
+
+    int numBones() const { return _bones.count(); }
+    const KaAMCBone& bone(int i) const { return _bones[i]; }
+    KaAMCBone& bone(int i) { return _bones[i]; }
+    // First bone whose name equals name ignoring case, else null. Bones
+    // without a name (past the first field's bone count) never match.
+    const KaAMCBone* findBone(const char* name) const;
+
+    // Reads one field; with names, stores each bone's name at its position.
+    void scanFrom(std::istream& in);
+    void scanFrom(std::istream& in, KtDArray<KtStr>* names);
+    // Bone i takes names[i], for the bones this field has.
+    void setBoneNamesPtr(const KtArray<KtStr>* names);
+
+    void setNumBones(int n);
+    void setBones(const KtArray<KaAMCBone>& bones);
+    void setBones(const KtList<KaAMCBone>& bones);
+    void printOn(std::ostream& out) const;
+
+private:
+    void _scanFrom(std::istream& in, KtDArray<KtStr>* names);
+
+    const KtArray<KtStr>* _boneNames = nullptr;
+    int _frameNumber = 0;
+    KtDArray<KaAMCBone> _bones;
+};
+
+// The document. Reading and writing report failures through the error
+// handler (KtError) and return normally.
+class KaAMC
+{
+public:
+    enum Mode_t
+    {
+        FULLY_SPECIFIED = 0
+    };
+
+    KaAMC() = default;
+    // Copies names and fields; the copied fields point at the copy's names.
+    KaAMC(const KaAMC& other);
+    KaAMC& operator=(const KaAMC& other);
+
+    Mode_t mode() const { return _mode; }
+    void setMode(Mode_t mode) { _mode = mode; }
+    // 1 angles in degrees, 0 in radians.
+    int units() const { return _units; }
+    void setUnits(int units) { _units = units; }
+
+    // The bone names in the order of the first field.
+    const KtDArray<KtStr>& boneNames() const { return _boneNames; }
+    int numFields() const { return _fields.count(); }
+    const KaAMCField& field(int i) const { return _fields[i]; }
+    KaAMCField& field(int i) { return _fields[i]; }
+
+    // Reads and checks the header; each output may be null. Returns 1 when
+    // the header is complete, else 0 with the reason in *message. Records
+    // nothing in the error handler.
+    static int streamContainsAMC(std::istream& in,
+                                 int* units,
+                                 Mode_t* mode,
+                                 KtStr* message);
+    static int fileContainsAMC(const char* path);
+
+    // Reading opens the file through KtCompIFStream, so compressed motions
+    // read transparently.
+    void read(const char* path);
+    // The header and the first field only.
+    void readFirstField(const char* path);
+    void scanFrom(std::istream& in);
+
+    // Building in memory.
+    void setBoneNames(const KtArray<KtStr>& names);
+    void setBoneNames(const KtList<KtStr>& names);
+    void setFields(const KtArray<KaAMCField>& fields);
+    // Appends a field with one unnamed bone per bone name; the pointer stays
+    // valid until the fields are next resized.
+    KaAMCField* createField(int frameNumber);
+
+    void printOn(std::ostream& out) const;
+    void save(const char* path) const;
+
+    // Empties the bone names and the fields.
+    void _clear();
+
+private:
+    void _scanFrom(std::istream& in, int maxFields);
+    void _pointFieldsAtNames();
+
+    Mode_t _mode = FULLY_SPECIFIED;
+    int _units = 1;
+    KtDArray<KtStr> _boneNames;
+    KtDArray<KaAMCField> _fields;
+};
