@@ -19,6 +19,12 @@ build:
 	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Release -DMOTBAKE_BUILD_TESTS=OFF
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
+# Converts the bundled example into out/, showing the progress lines.
+demo: build
+	mkdir -p out
+	$(BUILD_DIR)/app/motbake -f examples/human.asf examples/walk.amc 30 \
+	    out/walk.mel out/walk.mov
+
 # Sanitizers and warnings-as-errors, then every test.
 test:
 	@tools/require-packages $(TEST_PACKAGES)
