@@ -141,8 +141,8 @@ public:
     static int fileContainsAMC(const char* path);
 
     // Reading opens the file through KtCompIFStream, so compressed motions
-    // read transparently. A read that fails keeps nothing it read, unless
-    // the failure came at the end of the file.
+    // read transparently. A failed header leaves the document as it was; a
+    // failure in the body empties it, unless it came at the end of the file.
     void read(const char* path);
     // The header and the first field only.
     void readFirstField(const char* path);

@@ -23,8 +23,9 @@ constexpr int kCancelInterval = 20;
 constexpr std::streamsize kCommentChunk = 128;
 constexpr std::streamsize kDrainChunk = 1024;
 
-// Bone names fit a buffer of 119 characters and value lines one of 128
-// (126 characters, a newline and the terminator); longer ones are refused.
+// Bone names fit a buffer of 119 characters, and the rest of a bone's line
+// one of 128 (126 characters, a newline and the terminator); longer ones
+// are refused.
 constexpr int kMaxNameLength = 118;
 constexpr int kMaxLineLength = 126;
 // "1 1 1 ..." packs the most numbers into a line: 63.
@@ -207,7 +208,8 @@ void KaAMCBone::scanFrom(std::istream& in)
     switch (readValueLine(in, line))
     {
     case LineRead::kTooLong:
-        KtError("The line is longer than %d characters.", kMaxLineLength);
+        KtError("The bone's values are longer than %d characters.",
+                kMaxLineLength);
         KtError("Unable to read bone's values.");
         return;
     case LineRead::kFailed:
