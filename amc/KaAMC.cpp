@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 namespace
@@ -12,6 +13,11 @@ namespace
 
 static_assert(sizeof(float*) <= sizeof(float) * 3,
               "a spilled bone keeps its block's address in its inline bytes");
+// The reader moves every bone and field it reads; a copy there would cost
+// an allocation each.
+static_assert(std::is_nothrow_move_constructible_v<KaAMCBone> &&
+                  std::is_nothrow_move_constructible_v<KaAMCField>,
+              "bones and fields move without copying");
 
 // Allocation failure is handled as in the containers: no message through
 // the error handler, the process stops.
