@@ -13,13 +13,23 @@ class KaAMCBone
 {
 public:
     KaAMCBone() = default;
+    KaAMCBone(const KaAMCBone& other);
+    KaAMCBone(KaAMCBone&& other) noexcept;
+    KaAMCBone& operator=(const KaAMCBone& other);
+    KaAMCBone& operator=(KaAMCBone&& other) noexcept;
+    ~KaAMCBone();
 
     const KtStr* name() const { return _name; }
     void setName(const KtStr* name) { _name = name; }
 
-    int numValues() const;
-    const float* values() const;
+    int numValues() const { return _count; }
+    const float* values() const
+    {
+        return _count > kInlineValues ? _spilled() : _storage.inlineValues;
+    }
     float value(int i) const { return values()[i]; }
+    // Copies count values (none when count < 1); values may be this bone's
+    // own.
     void setValues(const float* values, int count);
 
     // Reads the rest of the current line as values, up to the first text
@@ -29,8 +39,22 @@ public:
     void printOn(std::ostream& out) const;
 
 private:
+    // Most bone lines carry one to three rotations; those values live in the
+    // bone itself, so a long motion costs little more than its numbers. A
+    // longer line's values live in one heap block whose address is kept in
+    // the same bytes.
+    static constexpr int kInlineValues = 3;
+
+    float* _spilled() const;
+    void _release();
+
     const KtStr* _name = nullptr;
-    KtDArray<float> _values;
+    int _count = 0;
+    union Storage
+    {
+        float inlineValues[kInlineValues];
+        unsigned char heapAddress[sizeof(float) * kInlineValues];
+    } _storage = {};
 };
 
 // One frame: its number as written and its bones in line order.
@@ -52,7 +76,8 @@ public:
     // Reads one field; with names, stores each bone's name at its position.
     void scanFrom(std::istream& in);
     void scanFrom(std::istream& in, KtDArray<KtStr>* names);
-    // Bone i takes names[i], for the bones this field has.
+    // Bone i takes names[i], for the bones this field has; bones past the
+    // end of names are left without a name.
     void setBoneNamesPtr(const KtArray<KtStr>* names);
 
     void setNumBones(int n);
@@ -61,7 +86,16 @@ public:
     void printOn(std::ostream& out) const;
 
 private:
-    void _scanFrom(std::istream& in, KtDArray<KtStr>* names);
+    friend class KaAMC;
+
+    // Reads the bones into lines, a buffer kept across the fields of one
+    // read, so that each field allocates its bones exactly once.
+    void _scanFrom(std::istream& in,
+                   KtDArray<KtStr>* names,
+                   KtDArray<KaAMCBone>& lines);
+    int _scanBones(std::istream& in,
+                   KtDArray<KtStr>* names,
+                   KtDArray<KaAMCBone>& lines);
 
     const KtArray<KtStr>* _boneNames = nullptr;
     int _frameNumber = 0;
@@ -82,6 +116,8 @@ public:
     // Copies names and fields; the copied fields point at the copy's names.
     KaAMC(const KaAMC& other);
     KaAMC& operator=(const KaAMC& other);
+    KaAMC(KaAMC&& other) noexcept;
+    KaAMC& operator=(KaAMC&& other) noexcept;
 
     Mode_t mode() const { return _mode; }
     void setMode(Mode_t mode) { _mode = mode; }
@@ -105,7 +141,8 @@ public:
     static int fileContainsAMC(const char* path);
 
     // Reading opens the file through KtCompIFStream, so compressed motions
-    // read transparently.
+    // read transparently. A failed header leaves the document as it was; a
+    // failure in the body empties it, unless it came at the end of the file.
     void read(const char* path);
     // The header and the first field only.
     void readFirstField(const char* path);
@@ -119,7 +156,9 @@ public:
     // valid until the fields are next resized.
     KaAMCField* createField(int frameNumber);
 
+    // Only a FULLY_SPECIFIED motion can be written; any other mode aborts.
     void printOn(std::ostream& out) const;
+    // Success or failure is seen in the error handler only.
     void save(const char* path) const;
 
     // Empties the bone names and the fields.

@@ -1,0 +1,481 @@
+// The AMC reader: the header check, and the motion, field and bone readers.
+#include <algorithm>
+#include <istream>
+#include <utility>
+
+#include "amc/KaAMC.h"
+#include "amc/KaScanFloat.h"
+#include "toolkit/KtCancelHandler.h"
+#include "toolkit/KtCompStream.h"
+#include "toolkit/KtError.h"
+
+namespace
+{
+
+// Chunks by which the arrays grow while reading; each is trimmed once.
+constexpr int kFieldChunk = 250;
+constexpr int kNameChunk = 50;
+constexpr int kBoneChunk = 50;
+constexpr int kCancelInterval = 20;
+
+// A comment is skipped 128 characters at a time; the rest of a longer one
+// is read as a new header line.
+constexpr std::streamsize kCommentChunk = 128;
+constexpr std::streamsize kDrainChunk = 1024;
+
+// Bone names fit a buffer of 119 characters, and the rest of a bone's line
+// one of 128 (126 characters, a newline and the terminator); longer ones
+// are refused.
+constexpr int kMaxNameLength = 118;
+constexpr int kMaxLineLength = 126;
+// "1 1 1 ..." packs the most numbers into a line: 63.
+constexpr int kMaxValues = kMaxLineLength / 2 + 1;
+
+// How much of an over-long name or keyword a message shows.
+constexpr int kShownNameLength = 20;
+constexpr int kShownKeywordLength = 200;
+
+constexpr const char* kReadError = "Error reading file.";
+
+using Traits = std::char_traits<char>;
+
+// The blanks of formatted stream input.
+bool isBlank(int c)
+{
+    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' ||
+           c == '\r';
+}
+
+bool isDigit(int c)
+{
+    return c >= '0' && c <= '9';
+}
+
+int refuse(KtStr* message, const char* reason)
+{
+    if (message)
+        *message = reason;
+    return 0;
+}
+
+// Reads a word as `in >> word` does, straight from the stream buffer, but
+// never more than kMaxNameLength characters. Returns false when the word is
+// longer (name then holds its start); a word ended by the end of the file
+// sets eof, an empty one fail, as formatted input does.
+bool readName(std::istream& in, char (&name)[kMaxNameLength + 1])
+{
+    int length = 0;
+    name[0] = '\0';
+    if (!in.good())
+    {
+        in.setstate(std::ios_base::failbit);
+        return true;
+    }
+    std::streambuf* buffer = in.rdbuf();
+    for (;;)
+    {
+        int c = buffer->sgetc();
+        if (Traits::eq_int_type(c, Traits::eof()))
+        {
+            in.setstate(std::ios_base::eofbit);
+            break;
+        }
+        if (isBlank(c))
+            break;
+        if (length == kMaxNameLength)
+        {
+            name[length] = '\0';
+            return false;
+        }
+        name[length++] = Traits::to_char_type(c);
+        buffer->sbumpc();
+    }
+    name[length] = '\0';
+    if (length == 0)
+        in.setstate(std::ios_base::failbit);
+    return true;
+}
+
+enum class LineRead
+{
+    kRead,
+    kTooLong,
+    kFailed
+};
+
+// Reads the rest of the line as getline into a 128-character buffer does:
+// the newline is taken but not stored; nothing left to read fails; a line
+// of more than kMaxLineLength characters is refused.
+LineRead readValueLine(std::istream& in, char (&line)[kMaxLineLength + 1])
+{
+    line[0] = '\0';
+    if (!in.good())
+    {
+        in.setstate(std::ios_base::failbit);
+        return LineRead::kFailed;
+    }
+    std::streambuf* buffer = in.rdbuf();
+    int length = 0;
+    bool extracted = false;
+    for (;;)
+    {
+        int c = buffer->sbumpc();
+        if (Traits::eq_int_type(c, Traits::eof()))
+        {
+            in.setstate(std::ios_base::eofbit);
+            break;
+        }
+        extracted = true;
+        if (c == '\n')
+            break;
+        if (length == kMaxLineLength)
+        {
+            line[length] = '\0';
+            return LineRead::kTooLong;
+        }
+        line[length++] = Traits::to_char_type(c);
+    }
+    line[length] = '\0';
+    if (!extracted)
+    {
+        in.setstate(std::ios_base::failbit);
+        return LineRead::kFailed;
+    }
+    return LineRead::kRead;
+}
+
+// A decompressing stream is read to its end, whatever state the reader left
+// it in, so that the command feeding it can finish instead of breaking on a
+// closed pipe.
+void drain(KtCompIFStream& in)
+{
+    if (!in.compressed())
+        return;
+    in.clear();
+    while (in.good())
+        in.ignore(kDrainChunk, Traits::eof());
+}
+
+// The fields of one read, gathered in blocks of kFieldChunk. A block never
+// moves once made, so even a very long motion is read in linear time;
+// moveInto moves each field once more, into an array of the exact count.
+class FieldBlocks
+{
+public:
+    KaAMCField& append()
+    {
+        int slot = _count % kFieldChunk;
+        if (slot == 0)
+            _addBlock();
+        ++_count;
+        return _blocks[_used - 1][slot];
+    }
+
+    void moveInto(KtDArray<KaAMCField>& fields)
+    {
+        fields._clear();
+        fields._resize(_count);
+        int i = 0;
+        for (int b = 0; b < _used; ++b)
+        {
+            for (KaAMCField& field : _blocks[b])
+                if (i < _count)
+                    fields[i++] = std::move(field);
+            _blocks[b]._clear();
+        }
+    }
+
+private:
+    void _addBlock()
+    {
+        if (_used == _blocks.count())
+            _blocks._resize(std::max(2 * _blocks.count(), 16));
+        _blocks[_used++]._resize(kFieldChunk);
+    }
+
+    KtDArray<KtDArray<KaAMCField>> _blocks;
+    int _used = 0;
+    int _count = 0;
+};
+
+} // namespace
+
+// ---- KaAMCBone -----------------------------------------------------------
+
+void KaAMCBone::scanFrom(std::istream& in)
+{
+    char line[kMaxLineLength + 1];
+    switch (readValueLine(in, line))
+    {
+    case LineRead::kTooLong:
+        KtError("The bone's values are longer than %d characters.",
+                kMaxLineLength);
+        KtError("Unable to read bone's values.");
+        return;
+    case LineRead::kFailed:
+        KtError("Unable to read bone's values.");
+        return;
+    case LineRead::kRead:
+        break;
+    }
+    // Text after the first non-number is ignored.
+    float values[kMaxValues];
+    int count = 0;
+    const char* cursor = line;
+    while (count < kMaxValues && KaScanFloat(cursor, &values[count]))
+        ++count;
+    setValues(values, count);
+}
+
+// ---- KaAMCField ----------------------------------------------------------
+
+void KaAMCField::scanFrom(std::istream& in)
+{
+    scanFrom(in, nullptr);
+}
+
+void KaAMCField::scanFrom(std::istream& in, KtDArray<KtStr>* names)
+{
+    KtDArray<KaAMCBone> lines;
+    _scanFrom(in, names, lines);
+}
+
+// A field ends where the next word starts with a digit: the next frame
+// number. Bone names therefore never start with a digit, and a negative
+// frame number reads as a bone name.
+void KaAMCField::_scanFrom(std::istream& in,
+                           KtDArray<KtStr>* names,
+                           KtDArray<KaAMCBone>& lines)
+{
+    _bones._clear();
+    in >> _frameNumber;
+    if (in.eof())
+        return;
+    if (in.fail())
+    {
+        KtError("Unable to read field number.");
+        return;
+    }
+    int count = _scanBones(in, names, lines);
+    if (names)
+        names->_resize(count);
+    _bones._resize(count);
+    for (int i = 0; i < count; ++i)
+        _bones[i] = std::move(lines[i]);
+}
+
+// Returns the number of bones read into lines (and their names into names),
+// up to the end of the field or the first error.
+int KaAMCField::_scanBones(std::istream& in,
+                           KtDArray<KtStr>* names,
+                           KtDArray<KaAMCBone>& lines)
+{
+    for (int count = 0;; ++count)
+    {
+        in >> std::ws;
+        if (in.eof())
+            return count;
+        if (in.fail())
+        {
+            KtError("Unable to read past whitespace.");
+            return count;
+        }
+        int next = in.peek();
+        if (in.eof())
+            return count;
+        if (in.fail())
+        {
+            KtError("Unable to read character.");
+            return count;
+        }
+        if (isDigit(next))
+            return count;
+
+        char name[kMaxNameLength + 1];
+        if (!readName(in, name))
+        {
+            KtError("The bone name \"%.*s...\" is longer than %d characters.",
+                    kShownNameLength,
+                    name,
+                    kMaxNameLength);
+            KtError("Unable to read bone name for field %d.", _frameNumber);
+            return count;
+        }
+        // A last name with neither values nor a newline is dropped.
+        if (in.eof())
+            return count;
+        if (in.fail())
+        {
+            KtError("Unable to read bone name for field %d.", _frameNumber);
+            return count;
+        }
+
+        if (names)
+        {
+            if (count >= names->count())
+                names->_resize(names->count() + kNameChunk);
+            (*names)[count] = name;
+        }
+        if (count >= lines.count())
+            lines._resize(lines.count() + kBoneChunk);
+        lines[count].scanFrom(in);
+        if (theExceptObj.errorOccurred())
+        {
+            KtError(
+                "Unable to read bone '%s' for field %d.", name, _frameNumber);
+            return count;
+        }
+    }
+}
+
+// ---- KaAMC ---------------------------------------------------------------
+
+int KaAMC::streamContainsAMC(std::istream& in,
+                             int* units,
+                             Mode_t* mode,
+                             KtStr* message)
+{
+    bool modeSeen = false;
+    bool unitsSeen = false;
+    for (;;)
+    {
+        char c = 0;
+        in >> c;
+        if (in.fail())
+            return refuse(message, kReadError);
+        if (c == '#')
+        {
+            in.ignore(kCommentChunk, '\n');
+            if (in.fail())
+                return refuse(message, kReadError);
+            continue;
+        }
+        if (c != ':')
+        {
+            in.putback(c);
+            if (in.fail())
+                return refuse(message, kReadError);
+            if (!modeSeen)
+                return refuse(message, "File does not specify mode.");
+            if (!unitsSeen)
+                return refuse(message, "File does not specify units.");
+            return 1;
+        }
+
+        KtStr keyword;
+        if (!keyword.scanLine(in))
+            return refuse(message, kReadError);
+        keyword.trimLeft();
+        keyword.trimRight();
+        if (keyword.iCmp("FULLY-SPECIFIED") == 0)
+        {
+            modeSeen = true;
+            if (mode)
+                *mode = FULLY_SPECIFIED;
+        }
+        else if (keyword.iCmp("DEGREES") == 0 || keyword.iCmp("RADIANS") == 0)
+        {
+            unitsSeen = true;
+            if (units)
+                *units = keyword.iCmp("DEGREES") == 0 ? 1 : 0;
+        }
+        else
+        {
+            // A whole line of junk is shown by its start only.
+            if (message && keyword.length() > kShownKeywordLength)
+                message->setF("Unrecognized key word \"%.*s...\".",
+                              kShownKeywordLength,
+                              keyword.text());
+            else if (message)
+                message->setF("Unrecognized key word \"%s\".", keyword.text());
+            return 0;
+        }
+    }
+}
+
+int KaAMC::fileContainsAMC(const char* path)
+{
+    KtCompIFStream in;
+    in.open(path);
+    if (in.fail())
+    {
+        KtError("Unable to open \"%s\".", path);
+        return 0;
+    }
+    int found = streamContainsAMC(in, nullptr, nullptr, nullptr);
+    drain(in);
+    return found;
+}
+
+void KaAMC::read(const char* path)
+{
+    KtCompIFStream in;
+    in.open(path);
+    if (in.fail())
+    {
+        KtError("Unable to open '%s'.", path);
+        return;
+    }
+    scanFrom(in);
+    drain(in);
+    if (theExceptObj.errorOccurred())
+        KtError("Unable to read '%s'.", path);
+}
+
+void KaAMC::readFirstField(const char* path)
+{
+    KtCompIFStream in;
+    in.open(path);
+    if (in.fail())
+    {
+        KtError("Unable to open '%s'.", path);
+        return;
+    }
+    _scanFrom(in, 1);
+    drain(in);
+    if (theExceptObj.errorOccurred())
+        KtError("Unable to read '%s'.", path);
+}
+
+void KaAMC::scanFrom(std::istream& in)
+{
+    _scanFrom(in, 0);
+}
+
+// The header's values are kept as they are found, even when the header
+// turns out incomplete. The first field names the bones for all others.
+void KaAMC::_scanFrom(std::istream& in, int maxFields)
+{
+    KtStr reason;
+    if (!streamContainsAMC(in, &_units, &_mode, &reason))
+    {
+        KtError("%s", reason.text());
+        KtError("File does not contain amc data.");
+        return;
+    }
+    FieldBlocks fields;
+    KtDArray<KaAMCBone> lines;
+    for (int n = 0;;)
+    {
+        fields.append()._scanFrom(in, n == 0 ? &_boneNames : nullptr, lines);
+        ++n;
+        // A failure seen at the end of the file keeps what was read.
+        if (in.eof())
+            break;
+        if (theExceptObj.errorOccurred())
+        {
+            KtError("Unable to read field.");
+            _clear();
+            return;
+        }
+        if (maxFields != 0 && n == maxFields)
+            break;
+        if (n % kCancelInterval == 0 && KtCancelHandler::checkCancel())
+        {
+            _clear();
+            return;
+        }
+    }
+    fields.moveInto(_fields);
+    _pointFieldsAtNames();
+}
