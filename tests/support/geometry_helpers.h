@@ -2,6 +2,7 @@
 // element within one tolerance, printed whole on failure.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 
@@ -20,75 +21,60 @@ constexpr float kGeometryTolerance = 1e-5f;
 
 inline bool geometryNear(float expected, float actual)
 {
-    float scale =
-        std::fmax(1.0f, std::fmax(std::fabs(expected), std::fabs(actual)));
+    float scale = std::max({1.0f, std::fabs(expected), std::fabs(actual)});
     return std::fabs(expected - actual) <= kGeometryTolerance * scale;
 }
 
-template <class T>
-std::string geometryText(const T& value)
+// Points have three coordinates, matrices N rows of N.
+inline int geometrySize(const KtPoint&)
 {
-    std::ostringstream out;
-    out.precision(9);
-    out << value;
-    return out.str();
+    return 1;
+}
+inline int geometrySize(const Kt3X3FloatMat&)
+{
+    return 3;
+}
+inline int geometrySize(const Kt4X4FloatMat&)
+{
+    return 4;
+}
+inline float geometryElement(const KtPoint& p, int, int j)
+{
+    return p[j];
+}
+template <class Matrix>
+float geometryElement(const Matrix& m, int i, int j)
+{
+    return m[i][j];
 }
 
-inline testing::AssertionResult pointsNear(const char* expectedText,
-                                           const char* actualText,
-                                           const KtPoint& expected,
-                                           const KtPoint& actual)
-{
-    for (int i = 0; i < 3; ++i)
-        if (!geometryNear(expected[i], actual[i]))
-            return testing::AssertionFailure()
-                   << actualText << " = " << geometryText(actual)
-                   << "\nexpected " << expectedText << " = "
-                   << geometryText(expected);
-    return testing::AssertionSuccess();
-}
-
-template <class Matrix, int N>
-testing::AssertionResult matricesNearOfSize(const char* expectedText,
+// A frame may be compared with a plain matrix, hence two types.
+template <class T, class U>
+testing::AssertionResult geometryNearFormat(const char* expectedText,
                                             const char* actualText,
-                                            const Matrix& expected,
-                                            const Matrix& actual)
+                                            const T& expected,
+                                            const U& actual)
 {
-    for (int i = 0; i < N; ++i)
-        for (int j = 0; j < N; ++j)
-            if (!geometryNear(expected[i][j], actual[i][j]))
-                return testing::AssertionFailure()
-                       << actualText << " differs at [" << i << "][" << j
-                       << "]:\n"
-                       << geometryText(actual) << "\nexpected " << expectedText
-                       << ":\n"
-                       << geometryText(expected);
+    int rows = geometrySize(expected);
+    int cols = rows == 1 ? 3 : rows;
+    for (int i = 0; i < rows; ++i)
+        for (int j = 0; j < cols; ++j)
+            if (!geometryNear(geometryElement(expected, i, j),
+                              geometryElement(actual, i, j)))
+            {
+                std::ostringstream out;
+                out.precision(9);
+                out << actualText << " differs at [" << i << "][" << j << "]:\n"
+                    << actual << "\nexpected " << expectedText << ":\n"
+                    << expected;
+                return testing::AssertionFailure() << out.str();
+            }
     return testing::AssertionSuccess();
-}
-
-inline testing::AssertionResult matricesNear(const char* expectedText,
-                                             const char* actualText,
-                                             const Kt3X3FloatMat& expected,
-                                             const Kt3X3FloatMat& actual)
-{
-    return matricesNearOfSize<Kt3X3FloatMat, 3>(
-        expectedText, actualText, expected, actual);
-}
-
-inline testing::AssertionResult matricesNear(const char* expectedText,
-                                             const char* actualText,
-                                             const Kt4X4FloatMat& expected,
-                                             const Kt4X4FloatMat& actual)
-{
-    return matricesNearOfSize<Kt4X4FloatMat, 4>(
-        expectedText, actualText, expected, actual);
 }
 
 #define EXPECT_POINT_NEAR(expected, actual)                                    \
-    EXPECT_PRED_FORMAT2(pointsNear, expected, actual)
+    EXPECT_PRED_FORMAT2(geometryNearFormat, expected, actual)
 #define EXPECT_MATRIX_NEAR(expected, actual)                                   \
-    EXPECT_PRED_FORMAT2(matricesNear, expected, actual)
-#define ASSERT_POINT_NEAR(expected, actual)                                    \
-    ASSERT_PRED_FORMAT2(pointsNear, expected, actual)
+    EXPECT_PRED_FORMAT2(geometryNearFormat, expected, actual)
 #define ASSERT_MATRIX_NEAR(expected, actual)                                   \
-    ASSERT_PRED_FORMAT2(matricesNear, expected, actual)
+    ASSERT_PRED_FORMAT2(geometryNearFormat, expected, actual)
