@@ -11,9 +11,8 @@
 namespace
 {
 
-// This routine has always used this short value of pi; angles derived from
-// it differ in the last digits from those of the Euler routines, and stored
-// results depend on that.
+// This routine has always used this short value of pi, not the full one of
+// the Euler routines; it is kept so that its angles stay what they were.
 constexpr double kShortPi = 3.14159265359;
 
 constexpr int kSize = 4;

@@ -128,6 +128,9 @@ public:
     {
     }
 
+    // In gimbal lock only the sum or difference of the outer angles is left;
+    // the one that cannot be recovered is 0: the first when the middle angle
+    // (before the cyclic negation) is negative, else the last.
     Decomposition threeAxes() const
     {
         Decomposition d;
@@ -145,7 +148,9 @@ public:
         return d;
     }
 
-    // First and last axis are both i; the third axis o takes part.
+    // First and last axis are both i; the third axis o takes part. With the
+    // middle angle at 0 the outer turns add up and the first takes them; at
+    // a half turn they subtract and the last takes them.
     Decomposition properEuler() const
     {
         int o = 6 - _j - _k;

@@ -33,8 +33,8 @@ class KtPoint;
 // KtGetClosestAngles                                |
 //   order not made of 1, 2, 3 once each             | the candidate, unchanged
 //   arrays with fewer than three elements           | out = the candidate
-//   candidate or reference infinite or huge         | returns (NaN or a far
-//                                                   | value), never hangs
+//   candidate or reference infinite or huge         | never hangs; an infinite
+//                                                   | one gives NaN
 // KtFindA, sine and cosine both 0                   | 0
 
 // The rotation R(order[2]) . R(order[1]) . R(order[0]): the same block that
@@ -44,8 +44,8 @@ class KtPoint;
 //
 // A code outside 1..3 builds no rotation for its place: at the first place
 // the result starts as the identity, at a later place the result is turned
-// again by the rotation built last before it (or the identity). Callers pass
-// three valid codes; results already stored by other tools depend on this.
+// again by the rotation built last before it (or the identity). This has
+// always been so and is kept; callers pass three valid codes.
 Kt3X3FloatMat KtComposeRotationMatrix(const KtArray<float>& angles,
                                       const KtArray<int>& order);
 Kt3X3FloatMat KtComposeRotationMatrix(const KtPoint& angles,
@@ -81,7 +81,7 @@ void KtGetClosestAngles(float (*out)[3],
                         const float (&ref)[3],
                         const float (&cand)[3],
                         const int (&order)[3]);
-// The same in X-Y-Z order.
+// The array forms, the first in X-Y-Z order; out gets three elements.
 void KtGetClosestAngles(KtArray<float>* out,
                         const KtArray<float>& ref,
                         const KtArray<float>& cand);

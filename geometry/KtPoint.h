@@ -14,6 +14,8 @@ class Kt4X4FloatMat;
 // the stream's width and precision, "%*.*e" ("%*.*E" with uppercase) when
 // scientific is set, else "%*.*f" when fixed is set, else "%*.*g" ("%*.*G").
 // With the default six digits 0.1f prints "0.1", and "0.100000" when fixed.
+// (Fixed and scientific together give the library's hexadecimal form instead
+// of "%e"; no caller sets both.)
 class KtPoint
 {
 public:

@@ -10,7 +10,7 @@ namespace
 {
 
 // Binomial series of (1 + x)^(-1/2): c0 = 1, then c1..c9. Exactly the nine
-// terms after c0 are summed; stored frames were cleaned with this cut-off.
+// terms after c0 are summed, the cut-off this routine has always had.
 // Every coefficient is a short binary fraction, exact in a float.
 constexpr float kInvSqrtSeries[10] = {1.0f,
                                       -0.5f,
