@@ -1,0 +1,338 @@
+// Euler angles: composition against the frame's pre-rotations, decomposition
+// round trips for every order, gimbal lock, order completion and the choice
+// between the two triples of one rotation.
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "geometry/KtCoordSystem.h"
+#include "geometry/KtEuler.h"
+#include "support/geometry_helpers.h"
+
+namespace
+{
+
+constexpr double kPi = 3.141592653589793;
+const float kQuarter = static_cast<float>(kPi / 2);
+
+// Six orders of three different axes (the first three cyclic), then the six
+// proper Euler orders.
+// clang-format off
+constexpr int kOrders[12][3] = {{1, 2, 3}, {2, 3, 1}, {3, 1, 2},
+                                {1, 3, 2}, {2, 1, 3}, {3, 2, 1},
+                                {1, 2, 1}, {1, 3, 1}, {2, 1, 2},
+                                {2, 3, 2}, {3, 1, 3}, {3, 2, 3}};
+// clang-format on
+
+Kt3X3FloatMat compose(const float (&angles)[3], const int (&codes)[3])
+{
+    KtArray<int> order(3);
+    for (int k = 0; k < 3; ++k)
+        order[k] = codes[k];
+    return KtComposeRotationMatrix(KtPoint(angles[0], angles[1], angles[2]),
+                                   order);
+}
+
+// Three turns as the frame's pre-rotations build them: first about
+// codes[0], then codes[1], then codes[2].
+Kt3X3FloatMat threeTurns(const int (&codes)[3], float a, float b, float c)
+{
+    static void (KtCoordSystem::*const kTurns[3])(float) = {
+        &KtCoordSystem::preRotateX,
+        &KtCoordSystem::preRotateY,
+        &KtCoordSystem::preRotateZ};
+    KtCoordSystem frame;
+    (frame.*kTurns[codes[0] - 1])(a);
+    (frame.*kTurns[codes[1] - 1])(b);
+    (frame.*kTurns[codes[2] - 1])(c);
+    Kt3X3FloatMat block;
+    frame.getRotationMatrix(&block);
+    return block;
+}
+
+Kt3X3FloatMat turn(int code, float angle)
+{
+    return threeTurns({code, code, code}, angle, 0.0f, 0.0f);
+}
+
+Kt3X3FloatMat product(const Kt3X3FloatMat& a, const Kt3X3FloatMat& b)
+{
+    Kt3X3FloatMat r;
+    Kt3X3FloatMat::_multiply(r.elements(), a.elements(), b.elements());
+    return r;
+}
+
+// Rebuilds a rotation from all three decomposed angles; for a proper Euler
+// order the last angle sits on the axis that the order does not name.
+Kt3X3FloatMat rebuilt(const float (&found)[3], const int (&codes)[3])
+{
+    int last = codes[0] == codes[2] ? 6 - codes[0] - codes[1] : codes[2];
+    return threeTurns(
+        codes, found[codes[0] - 1], found[codes[1] - 1], found[last - 1]);
+}
+
+} // namespace
+
+TEST(KtComposeRotationMatrix, EachAngleIsReadFromItsAxisWhateverItsPlace)
+{
+    for (const auto& order : kOrders)
+        EXPECT_EQ(Kt3X3FloatMat(), compose({0, 0, 0}, order));
+    // An angle whose double cosine and sine, rounded to float, differ from
+    // the float ones; read at run time so that the library computes both.
+    volatile float angle = 0x1.00b4aap-1f;
+    const float a = angle;
+    const float c = static_cast<float>(std::cos(static_cast<double>(a)));
+    const float s = static_cast<float>(std::sin(static_cast<double>(a)));
+    Kt3X3FloatMat x;
+    x.setRow(1, Kt3X3FloatMat::KtRow({0, c, s}));
+    x.setRow(2, Kt3X3FloatMat::KtRow({0, -s, c}));
+    Kt3X3FloatMat z;
+    z.setRow(0, Kt3X3FloatMat::KtRow({c, s, 0}));
+    z.setRow(1, Kt3X3FloatMat::KtRow({-s, c, 0}));
+    EXPECT_EQ(x, compose({a, 0, 0}, {1, 2, 3}));
+    EXPECT_EQ(z, compose({0, 0, a}, {1, 2, 3}));
+    EXPECT_EQ(z, compose({0, 0, a}, {3, 1, 2}));
+}
+
+// Composition is R(order[2]) . R(order[1]) . R(order[0]), the block that the
+// frame's pre-rotations build in list order.
+TEST(KtComposeRotationMatrix, EqualsTheChainOfPreRotationsInListOrder)
+{
+    std::mt19937 random(29);
+    std::uniform_real_distribution<float> angle(-3.1f, 3.1f);
+    for (const auto& order : kOrders)
+        for (int trial = 0; trial < 50; ++trial)
+        {
+            const float a[3] = {angle(random), angle(random), angle(random)};
+            Kt3X3FloatMat chain = threeTurns(
+                order, a[order[0] - 1], a[order[1] - 1], a[order[2] - 1]);
+            ASSERT_MATRIX_NEAR(chain, compose(a, order));
+        }
+}
+
+TEST(KtComposeRotationMatrix, UnknownCodesKeepTheirLongStandingEffect)
+{
+    const float a[3] = {0.3f, -0.8f, 1.1f};
+    Kt3X3FloatMat x = turn(1, a[0]);
+    Kt3X3FloatMat y = turn(2, a[1]);
+    Kt3X3FloatMat z = turn(3, a[2]);
+    // Starts from the identity; the temporary still holds the identity, or
+    // the rotation built last.
+    EXPECT_MATRIX_NEAR(product(z, y), compose(a, {0, 2, 3}));
+    EXPECT_MATRIX_NEAR(product(z, x), compose(a, {1, 7, 3}));
+    EXPECT_MATRIX_NEAR(product(y, product(y, x)), compose(a, {1, 2, 0}));
+    KtArray<int> shortOrder(2);
+    shortOrder[0] = 1;
+    shortOrder[1] = 2;
+    KtArray<float> oneAngle(1);
+    oneAngle[0] = a[0];
+    EXPECT_MATRIX_NEAR(product(Kt3X3FloatMat(), x),
+                       KtComposeRotationMatrix(oneAngle, shortOrder));
+}
+
+// Away from gimbal lock the three decomposed angles rebuild any rotation,
+// and composing them again gives back what composition built. Angles inside
+// the principal ranges come back themselves.
+TEST(KtGetDecomposedRotationMatrix, RoundTripsEveryOrderAwayFromGimbalLock)
+{
+    std::mt19937 random(31);
+    std::uniform_real_distribution<float> angle(-3.1f, 3.1f);
+    for (const auto& order : kOrders)
+    {
+        bool proper = order[0] == order[2];
+        for (int trial = 0; trial < 500; ++trial)
+        {
+            float a[3] = {angle(random), angle(random), angle(random)};
+            if (!proper)
+                a[order[1] - 1] *= 0.5f;
+            double middle = a[order[1] - 1];
+            if (std::fabs(proper ? std::sin(middle) : std::cos(middle)) < 0.05)
+                continue;
+            Kt3X3FloatMat m = compose(a, order);
+            float found[3];
+            KtGetDecomposedRotationMatrix(&found, order, m);
+            ASSERT_MATRIX_NEAR(m, compose(found, order));
+            for (int axis = 0; axis < 3 && !proper; ++axis)
+                ASSERT_NEAR(a[axis], found[axis], 1e-3f);
+
+            m = threeTurns({2, 3, 1}, angle(random), angle(random), a[0]);
+            float lock = proper ? m[order[0] - 1][order[0] - 1]
+                                : m[order[2] - 1][order[0] - 1];
+            if (std::fabs(lock) > 0.998f)
+                continue;
+            KtGetDecomposedRotationMatrix(&found, order, m);
+            ASSERT_MATRIX_NEAR(m, rebuilt(found, order));
+        }
+    }
+}
+
+TEST(KtGetDecomposedRotationMatrix, GimbalLockPutsTheWholeTurnOnOneOuterAngle)
+{
+    for (const auto& order : kOrders)
+    {
+        bool proper = order[0] == order[2];
+        int last = proper ? 6 - order[0] - order[1] : order[2];
+        for (float middle : {proper ? 0.0f : kQuarter,
+                             proper ? static_cast<float>(kPi) : -kQuarter})
+        {
+            Kt3X3FloatMat m = threeTurns(order, 0.9f, middle, -0.2f);
+            float found[3];
+            KtGetDecomposedRotationMatrix(&found, order, m);
+            EXPECT_TRUE(found[order[0] - 1] == 0.0f || found[last - 1] == 0.0f)
+                << order[0] << order[1] << order[2] << " " << middle;
+            EXPECT_MATRIX_NEAR(m, rebuilt(found, order));
+        }
+    }
+}
+
+TEST(KtGetDecomposedRotationMatrix, CompletesOrdersGivenWithFewerAxes)
+{
+    // Given, then completed; 0 0 0: left incomplete, angles (0, 0, 0).
+    // clang-format off
+    const int cases[][2][3] = {
+        {{3, 0, 0}, {3, 1, 2}}, {{1, 0, 0}, {0, 0, 0}}, {{2, 0, 0}, {0, 0, 0}},
+        {{1, 2, 0}, {1, 2, 3}}, {{2, 1, 0}, {2, 1, 3}}, {{2, 3, 0}, {2, 3, 1}},
+        {{3, 1, 0}, {3, 1, 2}}, {{3, 2, 0}, {0, 0, 0}}, {{1, 3, 0}, {0, 0, 0}},
+        {{1, 1, 2}, {0, 0, 0}}, {{1, 2, 2}, {0, 0, 0}}, {{4, 1, 2}, {0, 0, 0}},
+        {{0, 2, 3}, {0, 0, 0}}};
+    // clang-format on
+    Kt3X3FloatMat m = compose({0.3f, -0.5f, 0.9f}, {3, 1, 2});
+    for (const auto& c : cases)
+    {
+        float expected[3] = {0.0f, 0.0f, 0.0f};
+        if (c[1][0] != 0)
+            KtGetDecomposedRotationMatrix(&expected, c[1], m);
+        float found[3] = {9.0f, 9.0f, 9.0f};
+        KtGetDecomposedRotationMatrix(&found, c[0], m);
+        for (int axis = 0; axis < 3; ++axis)
+            EXPECT_EQ(expected[axis], found[axis])
+                << c[0][0] << c[0][1] << c[0][2] << " axis " << axis;
+    }
+}
+
+TEST(KtGetDecomposedRotationMatrix, InferredAxisBeyondAQuarterTurnFlips)
+{
+    const int full[3] = {2, 3, 1};
+    Kt3X3FloatMat m = compose({2.5f, 0.4f, -0.3f}, full);
+    float found[3];
+    KtGetDecomposedRotationMatrix(&found, {2, 3, 0}, m);
+    EXPECT_FLOAT_EQ(static_cast<float>(2.5 + kPi), found[0]); // inferred
+    EXPECT_FLOAT_EQ(static_cast<float>(0.4 + kPi), found[1]); // first
+    EXPECT_FLOAT_EQ(static_cast<float>(kPi + 0.3), found[2]); // middle
+    EXPECT_MATRIX_NEAR(m, compose(found, full));
+    // Given in full, the order never flips; within a quarter turn, neither.
+    KtGetDecomposedRotationMatrix(&found, full, m);
+    EXPECT_FLOAT_EQ(2.5f, found[0]);
+    KtGetDecomposedRotationMatrix(
+        &found, {2, 3, 0}, compose({1.5f, 0.4f, -0.3f}, full));
+    EXPECT_FLOAT_EQ(1.5f, found[0]);
+}
+
+TEST(KtGetDecomposedRotationMatrix, FindAnglesOfNonRotationsStayFinite)
+{
+    KtCoordSystem frame;
+    frame.preRotateX(0.2f);
+    frame.preRotateY(-0.6f);
+    frame.setTranslationVector(KtPoint(5.0f, 6.0f, 7.0f));
+    float found[3];
+    frame.findAngles(&found, {1, 2, 3});
+    EXPECT_NEAR(-0.6f, found[1], 1e-6f);
+    Kt3X3FloatMat stretched(1.5f);
+    stretched[2][0] = -3.0f;
+    for (const auto& order : kOrders)
+    {
+        stretched.findAngles(&found, order);
+        for (float a : found)
+            EXPECT_TRUE(std::isfinite(a)) << order[0] << order[1] << order[2];
+    }
+}
+
+TEST(KtGetClosestAngles, PicksTheNearerTripleAfterWrapping)
+{
+    const float p = static_cast<float>(kPi - 0.1);
+    const float q = kQuarter;
+    const float t = static_cast<float>(4 * kPi);
+    // clang-format off
+    const struct { float ref[3]; float cand[3]; int order[3]; float expected[3]; } cases[] = {
+        // A costs 3 (pi - 0.1)^2, B = (-0.1, 0.1, -0.1) only 0.03; the middle
+        // axis of the order is the one mirrored.
+        {{0, 0, 0}, {p, p, p}, {1, 2, 3}, {-0.1f, 0.1f, -0.1f}},
+        {{0, 0, 0}, {p, p, p}, {2, 3, 1}, {-0.1f, -0.1f, 0.1f}},
+        // B = (-q, q, -q) is just as far: a tie keeps the candidate.
+        {{0, 0, 0}, {q, q, q}, {1, 2, 3}, {q, q, q}},
+        {{0.5f, -1, 2}, {0.5f, -1, 2}, {3, 1, 2}, {0.5f, -1, 2}},
+        // Two turns away, wrapped back component by component.
+        {{0.2f, -0.3f, 0.1f}, {0.2f + t, -0.3f - t, 0.1f + t}, {1, 2, 3}, {0.2f, -0.3f, 0.1f}}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        float out[3];
+        KtGetClosestAngles(&out, c.ref, c.cand, c.order);
+        for (int axis = 0; axis < 3; ++axis)
+            EXPECT_NEAR(c.expected[axis], out[axis], 1e-5f)
+                << c.order[0] << c.order[1] << c.order[2] << " axis " << axis;
+    }
+}
+
+// Whatever is chosen is the same rotation as the candidate, within half a
+// turn of the reference on every axis.
+TEST(KtGetClosestAngles, ChoosesAnEquivalentTripleNearTheReference)
+{
+    std::mt19937 random(37);
+    std::uniform_real_distribution<float> angle(-9.0f, 9.0f);
+    for (int o = 0; o < 6; ++o)
+        for (int trial = 0; trial < 200; ++trial)
+        {
+            const float ref[3] = {angle(random), angle(random), angle(random)};
+            float cand[3] = {angle(random), angle(random), angle(random)};
+            Kt3X3FloatMat m = compose(cand, kOrders[o]);
+            KtGetClosestAngles(&cand, ref, cand, kOrders[o]); // in place
+            ASSERT_MATRIX_NEAR(m, compose(cand, kOrders[o]));
+            for (int axis = 0; axis < 3; ++axis)
+                ASSERT_LE(std::fabs(cand[axis] - ref[axis]), kPi + 1e-5);
+        }
+}
+
+TEST(KtGetClosestAngles, ArrayFormsAndDegenerateInput)
+{
+    KtArray<float> ref(3);
+    KtArray<float> cand(3);
+    cand[0] = cand[1] = cand[2] = static_cast<float>(kPi - 0.1);
+    KtArray<float> out;
+    KtGetClosestAngles(&out, ref, cand);
+    ASSERT_EQ(3, out.count());
+    EXPECT_NEAR(0.1f, out[1], 1e-5f);
+    cand._resize(2); // too short: the candidate as it is
+    KtGetClosestAngles(&out, ref, cand, KtArray<int>(3));
+    EXPECT_EQ(2, out.count());
+
+    // Orders that are not 1, 2, 3 once each: the candidate, unchanged.
+    const float zero[3] = {0.0f, 0.0f, 0.0f};
+    float result[3];
+    KtGetClosestAngles(&result, zero, {7, 8, 9}, {1, 2, 1});
+    EXPECT_EQ(8.0f, result[1]);
+    KtGetClosestAngles(&result, zero, {7, 8, 9}, {0, 1, 2});
+    EXPECT_EQ(9.0f, result[2]);
+
+    // Huge and infinite angles end; the huge ones are still wrapped.
+    const float inf = std::numeric_limits<float>::infinity();
+    KtGetClosestAngles(&result, zero, {1e30f, -1e20f, inf}, {1, 2, 3});
+    EXPECT_LE(std::fabs(result[1]), kPi + 1e-5);
+    EXPECT_TRUE(std::isnan(result[2]));
+    KtGetClosestAngles(
+        &result, {1e9f, 1e9f, 1e9f}, {1e9f + 64, 0, 0}, {1, 2, 3});
+    EXPECT_TRUE(std::isfinite(result[0]));
+}
+
+TEST(KtFindA, AngleOfASineAndCosine)
+{
+    float angle = 99.0f;
+    KtFindA(&angle, -0.0f, -0.0f); // no direction at all
+    EXPECT_EQ(0.0f, angle);
+    KtFindA(&angle, 0.0f, -1.0f);
+    EXPECT_FLOAT_EQ(static_cast<float>(kPi), angle);
+    KtFindA(&angle, -1.0f, -1.0f);
+    EXPECT_FLOAT_EQ(static_cast<float>(-3 * kPi / 4), angle);
+}

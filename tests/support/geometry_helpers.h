@@ -1,0 +1,80 @@
+// Assertions for the geometry types: points and matrices compared element by
+// element within one tolerance, printed whole on failure.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "geometry/Kt3X3FloatMat.h"
+#include "geometry/Kt4X4FloatMat.h"
+#include "geometry/KtPoint.h"
+
+// A float carries 24 significant bits, about 6e-8 relative. The results under
+// test chain a few dozen float operations on values near 1, each off by at
+// most half a unit in the last place, so they stay well inside 1e-5; a wrong
+// sign, a swapped element or a wrong angle is off by far more. Values beyond
+// 1 in magnitude (translations) are compared relative to their size.
+constexpr float kGeometryTolerance = 1e-5f;
+
+inline bool geometryNear(float expected, float actual)
+{
+    float scale = std::max({1.0f, std::fabs(expected), std::fabs(actual)});
+    return std::fabs(expected - actual) <= kGeometryTolerance * scale;
+}
+
+// Points have three coordinates, matrices N rows of N.
+inline int geometrySize(const KtPoint&)
+{
+    return 1;
+}
+inline int geometrySize(const Kt3X3FloatMat&)
+{
+    return 3;
+}
+inline int geometrySize(const Kt4X4FloatMat&)
+{
+    return 4;
+}
+inline float geometryElement(const KtPoint& p, int, int j)
+{
+    return p[j];
+}
+template <class Matrix>
+float geometryElement(const Matrix& m, int i, int j)
+{
+    return m[i][j];
+}
+
+// A frame may be compared with a plain matrix, hence two types.
+template <class T, class U>
+testing::AssertionResult geometryNearFormat(const char* expectedText,
+                                            const char* actualText,
+                                            const T& expected,
+                                            const U& actual)
+{
+    int rows = geometrySize(expected);
+    int cols = rows == 1 ? 3 : rows;
+    for (int i = 0; i < rows; ++i)
+        for (int j = 0; j < cols; ++j)
+            if (!geometryNear(geometryElement(expected, i, j),
+                              geometryElement(actual, i, j)))
+            {
+                std::ostringstream out;
+                out.precision(9);
+                out << actualText << " differs at [" << i << "][" << j << "]:\n"
+                    << actual << "\nexpected " << expectedText << ":\n"
+                    << expected;
+                return testing::AssertionFailure() << out.str();
+            }
+    return testing::AssertionSuccess();
+}
+
+#define EXPECT_POINT_NEAR(expected, actual)                                    \
+    EXPECT_PRED_FORMAT2(geometryNearFormat, expected, actual)
+#define EXPECT_MATRIX_NEAR(expected, actual)                                   \
+    EXPECT_PRED_FORMAT2(geometryNearFormat, expected, actual)
+#define ASSERT_MATRIX_NEAR(expected, actual)                                   \
+    ASSERT_PRED_FORMAT2(geometryNearFormat, expected, actual)
