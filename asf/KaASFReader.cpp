@@ -314,40 +314,18 @@ bool KaASFReader::readHeader(int* internalFlag, float* version)
 const KaASFReader::Section* KaASFReader::_sectionFor(const char* keyword,
                                                      bool internal)
 {
+    // clang-format off
     static const Section kSections[] = {
-        {":name",
-         &KaASFReader::_readName,
-         "Unable to read :name section.",
-         false},
-        {":units",
-         &KaASFReader::_readUnits,
-         "Unable to read :units section.",
-         false},
-        {":documentation",
-         &KaASFReader::_readDocumentation,
-         "Unable to read :documentation section.",
-         false},
-        {":dofgroups",
-         &KaASFReader::_readDOFGroups,
-         "Unable to read :dofgroups section.",
-         true},
-        {":root",
-         &KaASFReader::_readRoot,
-         "Unable to read :root section.",
-         false},
-        {":bonedata",
-         &KaASFReader::_readBoneData,
-         "Unable to read :bonedata section.",
-         false},
-        {":hierarchy",
-         &KaASFReader::_readHierarchy,
-         "Unable to read :hierarchy section.",
-         false},
-        {":skin",
-         &KaASFReader::_readSkin,
-         "Unable to read :skin section.",
-         false},
+        {":name", &KaASFReader::_readName, "Unable to read :name section.", false},
+        {":units", &KaASFReader::_readUnits, "Unable to read :units section.", false},
+        {":documentation", &KaASFReader::_readDocumentation, "Unable to read :documentation section.", false},
+        {":dofgroups", &KaASFReader::_readDOFGroups, "Unable to read :dofgroups section.", true},
+        {":root", &KaASFReader::_readRoot, "Unable to read :root section.", false},
+        {":bonedata", &KaASFReader::_readBoneData, "Unable to read :bonedata section.", false},
+        {":hierarchy", &KaASFReader::_readHierarchy, "Unable to read :hierarchy section.", false},
+        {":skin", &KaASFReader::_readSkin, "Unable to read :skin section.", false},
     };
+    // clang-format on
     for (const Section& section : kSections)
         if (strcasecmp(keyword, section.keyword) == 0 &&
             (internal || !section.internalOnly))
@@ -1195,6 +1173,8 @@ void KaASF::scanFrom(std::istream& in)
 
 void KaASF::read(const char* path)
 {
+    if (!path)
+        path = "";
     KtCompIFStream in;
     in.open(path);
     if (!in.good() || theExceptObj.errorOccurred())
@@ -1222,6 +1202,8 @@ int KaASF::streamContainsASF(std::istream& in,
 // stream closes, so a compressed file is read to its end.
 int KaASF::fileContainsASF(const char* path)
 {
+    if (!path)
+        path = "";
     KtCompIFStream in;
     in.open(path);
     if (!in.good())
