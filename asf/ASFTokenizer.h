@@ -13,8 +13,9 @@
 //   "<", ">"        one character each, also inside a word
 //   "\n"            one or more line ends (blank and comment lines
 //                   included) crossed since the previous word
-//   "\x01"          a section keyword (a line starting with ':') follows;
-//                   given before every such line but the first of the stream
+//   "\x01"          a section keyword (a line whose first word starts with
+//                   ':') follows; given before every such line but the
+//                   first of the stream
 // Blanks, tabs, carriage returns, '(', ')' and ',' only separate tokens, so
 // "(lo, hi)" reads as two words. '#' starts a comment where a token could
 // start and ends a word inside one.

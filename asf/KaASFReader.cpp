@@ -27,7 +27,7 @@ constexpr size_t kNameLimit = 50;
 // Channels are named once each, so real lists hold at most seven DOFs. Only
 // references to groups can repeat a channel, and this cap keeps such repeats
 // from multiplying through groups that refer to groups.
-constexpr int kMaxDOFsInList = 32;
+constexpr int kMaxDOFsInList = 16;
 // Degrees to radians, in double precision; each result is stored as float.
 constexpr double kRadiansPerDegree = 0.017453292519943295;
 constexpr int kPointSize = 3;
@@ -370,6 +370,7 @@ void KaASFReader::read()
         return;
     }
     _assignMissingIds();
+    _storeSkinFiles();
 }
 
 // An empty section leaves the name empty; the end of the file ends the
@@ -465,21 +466,22 @@ bool KaASFReader::_readDocumentation()
     return true;
 }
 
-// The names are collected first and stored once, so a long list costs no
-// more than its length.
+// Every :skin section adds to the names, which are stored once when the
+// file is read, so many sections or long lists cost no more than their
+// length.
 bool KaASFReader::_readSkin()
 {
-    std::vector<KtStr> names;
     while (_next() && !_isEndOfSection())
-        names.emplace_back(_token);
-    const KtDArray<KtStr>& old = _document->skinFiles();
-    KtDArray<KtStr> all(old.count() + static_cast<int>(names.size()));
-    for (int i = 0; i < old.count(); ++i)
-        all[i] = old[i];
-    for (size_t i = 0; i < names.size(); ++i)
-        all[old.count() + static_cast<int>(i)] = names[i];
-    _document->setSkinFiles(all);
+        _skinFiles.emplace_back(_token);
     return true;
+}
+
+void KaASFReader::_storeSkinFiles()
+{
+    KtDArray<KtStr> names(static_cast<int>(_skinFiles.size()));
+    for (int i = 0; i < names.count(); ++i)
+        names[i] = _skinFiles[i];
+    _document->setSkinFiles(names);
 }
 
 // ------------------------------------------------------------------ root

@@ -4,9 +4,11 @@
 #include <cstdarg>
 #include <iosfwd>
 #include <unordered_map>
+#include <vector>
 
 #include "asf/ASFTokenizer.h"
 #include "asf/KaNameIndex.h"
+#include "toolkit/KtStr.h"
 
 class KaASF;
 class KaASFBone;
@@ -71,6 +73,7 @@ private:
     bool _readUnits();
     bool _readDocumentation();
     bool _readSkin();
+    void _storeSkinFiles();
 
     bool _readRoot();
     bool _readRootAxis(RootState* given);
@@ -130,4 +133,5 @@ private:
     // circle in the hierarchy.
     std::unordered_map<const KaASFBone*, ParentAssignment> _parentSetAt;
     long _assignments = 0;
+    std::vector<KtStr> _skinFiles;
 };

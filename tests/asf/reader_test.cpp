@@ -272,7 +272,7 @@ TEST(KaASFReader, ReportsBadReferencesToGroups)
         {block + "  dof arm < q >\n", 7, "Unexpected 'q' encountered.", nullptr, outer},
         {block + "  dof arm < >\n", 7, "No dof specified within < >.", nullptr, outer},
         {block + "  dof arm < rx\n", 8, "Unexpected end of input.", nullptr, outer},
-        {block + "  dof arm arm arm arm arm arm arm arm arm arm arm arm arm arm arm arm arm end\n", 7, "Too many dofs specified (at most 32).", nullptr, outer},
+        {block + "  dof arm arm arm arm arm arm arm arm arm end\n", 7, "Too many dofs specified (at most 16).", nullptr, outer},
     });
 }
 
