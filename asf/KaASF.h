@@ -6,6 +6,7 @@
 #include "asf/KaASFBone.h"
 #include "asf/KaASFDOF.h"
 #include "asf/KaASFRoot.h"
+#include "asf/KaNameIndex.h"
 #include "toolkit/KtArray.h"
 #include "toolkit/KtList.h"
 #include "toolkit/KtStr.h"
@@ -65,9 +66,12 @@ public:
     // Append a copy and return it.
     KaASFBone* addBone(const KaASFBone& bone);
     KaASFDOFGroup* addDOFGroup(const KaASFDOFGroup& group);
+    // Deletes the first group of that exact name / every group. DOFs that
+    // referred to a deleted group keep its limits as their own.
     void removeDOFGroup(const char* name);
     void removeDOFGroups();
     void addSkinFile(const char* name);
+    void setSkinFiles(const KtArray<KtStr>& names);
 
     // Reading: opens the file through KtCompIFStream, so compressed
     // skeletons read transparently.
@@ -87,13 +91,21 @@ public:
     bool _bonesUseDOFGroup(const char* name) const;
     bool _bonesUseGroupDOFs() const;
     // Deletes groups, bones and skin names; header and root keep their
-    // values.
+    // values (root DOFs that referred to a group keep that group's limits
+    // as their own).
     void _clear();
 
 private:
+    void _copyFrom(const KaASF& other);
+    void _repointGroupReferences();
+    void _detachFromGroup(const KaASFDOFGroup* group);
+
     KaASFHeader _header;
     KtList<KaASFDOFGroup*> _dofGroups;
     KaASFRoot _root;
     KtList<KaASFBone*> _bones;
     KtDArray<KtStr> _skinFiles;
+    // Bones by name ignoring case, so that reading a large hierarchy does
+    // not search the bone list for every name.
+    KaNameIndex<KaASFBone> _bonesByName;
 };

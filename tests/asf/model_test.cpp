@@ -1,0 +1,221 @@
+// The skeleton model: DOF codes, axis orders, groups and their limits, bone
+// lookups and ids, and the deep copy of a document.
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "asf/KaASF.h"
+#include "asf/KaAxisOrder.h"
+#include "support/test_helpers.h"
+
+namespace
+{
+
+constexpr float kInf = KaASFLimits::kInfinity;
+
+KaASFBone boneNamed(const char* name, int id = 0)
+{
+    KaASFBone bone;
+    bone.setName(name);
+    bone.setId(id);
+    return bone;
+}
+
+KaASFDOFGroup groupOf(const char* name, std::vector<int> codes)
+{
+    KaASFDOFGroup group(name);
+    for (int code : codes)
+        group.addDOF(code);
+    return group;
+}
+
+const KaASFDOF* firstDOF(const KaASFDOFGroup& group)
+{
+    return *group.dofs()[0];
+}
+
+} // namespace
+
+// clang-format off
+TEST(KaDOFCode, NamesMatchIgnoringCaseAndPrintInLowerCase)
+{
+    const struct { const char* input; int code; const char* written; } cases[] = {
+        {"TX", kDofTX, "tx"}, {"ty", kDofTY, "ty"}, {"Tz", kDofTZ, "tz"}, {"rX", kDofRX, "rx"},
+        {"RY", kDofRY, "ry"}, {"rz", kDofRZ, "rz"}, {"L", kDofL, "l"}};
+    for (const auto& c : cases)
+    {
+        EXPECT_EQ(c.code, KaDOFCodeOfName(c.input)) << c.input;
+        EXPECT_STREQ(c.written, KaDOFNameOfCode(c.code).text());
+    }
+    for (const char* other : {"", "r", "rxx", "len"})
+        EXPECT_EQ(kDofInvalid, KaDOFCodeOfName(other)) << other;
+    StreamCapture err(std::cerr);
+    EXPECT_STREQ("", KaDOFNameOfCode(9).text());
+    EXPECT_EQ("Invalid dof value '9'\n", err.text());
+}
+
+TEST(KaAxisOrder, ReadsTheFirstThreeLettersOfAWord)
+{
+    const struct { const char* word; std::vector<int> order; const char* message; } cases[] = {
+        {"XYZ", {1, 2, 3}, nullptr}, {"zyx", {3, 2, 1}, nullptr}, {"xxz", {1, 1, 3}, nullptr},
+        {"ZXYW", {3, 1, 2}, nullptr}, {"XY", {}, "Invalid axis specification."},
+        {"XAZ", {}, "Invalid axis specification."}, {"", {}, "Unable to read axis orientation order."}};
+    for (const auto& c : cases)
+    {
+        KtArray<int> order(3);
+        EXPECT_EQ(c.message == nullptr, KaAxisOrderFromWord(c.word, &order)) << c.word;
+        EXPECT_EQ(c.order, std::vector<int>(order.begin(), order.end())) << c.word;
+        EXPECT_EQ(c.message ? errorBlock({c.message}) : "", printedChain()) << c.word;
+    }
+    EXPECT_STREQ("z", KaAxisName(kAxisZ));
+    EXPECT_STREQ("", KaAxisName(0));
+}
+
+TEST(KaASF, HandsOutTheSmallestFreeBoneId)
+{
+    const struct { std::vector<int> ids; int last; int firstUnused; } cases[] = {
+        {{}, 0, 1}, {{1, 2, 4}, 4, 3}, {{1, 2, 3}, 3, 4}, {{5}, 5, 1}, {{-1, 0}, 0, 1},
+        {{3, 1, 2147483647, 2}, 2147483647, 4}};
+    for (const auto& c : cases)
+    {
+        KaASF skeleton;
+        for (int id : c.ids)
+            skeleton.addBone(boneNamed("b", id));
+        EXPECT_EQ(c.last, skeleton.lastBoneId());
+        EXPECT_EQ(c.firstUnused, skeleton.firstUnusedBoneId());
+    }
+}
+// clang-format on
+
+TEST(KaASFDOFGroup, FindsDOFsAndFollowsGroupReferences)
+{
+    KaASFDOFGroup arm = groupOf("arm", {kDofRX, kDofRY, kDofRZ});
+    EXPECT_EQ(2, arm.dofIndex(kDofRZ));
+    EXPECT_EQ(-1, arm.dofIndex(kDofTX));
+    EXPECT_EQ(nullptr, arm.limits(kDofTX));
+    arm.limits(kDofRY)->upper = 2.0f;
+    // A bone's DOF refers to "shoulder", whose DOF refers to "arm".
+    KaASFDOFGroup shoulder("shoulder");
+    shoulder.addDOF(KaASFDOF(kDofRY, &arm));
+    KaASFDOFGroup bone;
+    bone.addDOF(KaASFDOF(kDofRY, &shoulder));
+    bone.addDOF(kDofTZ);
+    EXPECT_EQ(2.0f, bone.limits(kDofRY)->upper);
+    EXPECT_EQ(kInf, bone.limits(kDofTZ)->upper);
+    EXPECT_TRUE(bone.hasGroupDOFs() && bone.hasNonGroupDOFs());
+    EXPECT_TRUE(bone.usesDOFGroup("shoulder"));
+    EXPECT_FALSE(bone.usesDOFGroup("arm"));
+
+    // A group without the code, or references that run in a circle, leave
+    // the DOF its own limits.
+    KaASFDOF lacking(kDofTX, &arm);
+    lacking.setLimits({3.0f, 4.0f});
+    EXPECT_EQ(3.0f, lacking.limits().lower);
+    KaASFDOFGroup a("a");
+    KaASFDOFGroup b("b");
+    a.addDOF(KaASFDOF(kDofRX, &b));
+    b.addDOF(KaASFDOF(kDofRX, &a));
+    KaASFDOF circling(kDofRX, &a);
+    circling.setLimits({7.0f, 8.0f});
+    EXPECT_EQ(7.0f, circling.limits().lower);
+}
+
+TEST(KaASFDOFGroup, CopiesDeeplyEvenFromItsOwnList)
+{
+    KaASFDOFGroup original = groupOf("g", {kDofTX, kDofRX});
+    KaASFDOFGroup copy(original);
+    copy.limits(kDofRX)->upper = 1.0f;
+    EXPECT_EQ(kInf, original.limits(kDofRX)->upper);
+    KtList<KaASFDOF*> own = copy.dofs();
+    copy.setDOFs(own);
+    EXPECT_EQ(1, copy.dofIndex(kDofRX));
+    EXPECT_EQ(1.0f, copy.limits(kDofRX)->upper);
+}
+
+TEST(KaASF, FindsBonesByNameIgnoringCaseAndById)
+{
+    KaASF skeleton;
+    KaASFBone* first = skeleton.addBone(boneNamed("lfemur", 7));
+    skeleton.addBone(boneNamed("LFemur", 8));
+    EXPECT_EQ(first, skeleton.findBone("LFEMUR"));
+    EXPECT_EQ(nullptr, skeleton.findBone("lfemu"));
+    EXPECT_EQ(8, skeleton.findBone(8)->id());
+    EXPECT_EQ(nullptr, skeleton.findBone(9));
+    // A bone renamed after it was added is found under its new name.
+    first->setName("hip");
+    EXPECT_EQ(first, skeleton.findBone("HIP"));
+    EXPECT_EQ(8, skeleton.findBone("lfemur")->id());
+}
+
+TEST(KaASF, CopiesDeeplyAndRepointsLinksAndGroups)
+{
+    KaASF original;
+    KaASFDOFGroup* arm = original.addDOFGroup(groupOf("arm", {kDofRX}));
+    KaASFBone* shoulder = original.addBone(boneNamed("shoulder"));
+    KaASFBone* elbow = original.addBone(boneNamed("elbow"));
+    elbow->setParent(shoulder);
+    shoulder->setFirstChild(elbow);
+    elbow->dofGroup().addDOF(KaASFDOF(kDofRX, arm));
+    original.root().dofGroup().addDOF(KaASFDOF(kDofRX, arm));
+    original.addSkinFile("body.skn");
+
+    KaASF constructed(original);
+    KaASF assigned;
+    assigned.addBone(boneNamed("stale"));
+    assigned = original;
+    for (KaASF* copy : {&constructed, &assigned})
+    {
+        KaASFBone* copiedElbow = copy->findBone("elbow");
+        EXPECT_NE(elbow, copiedElbow);
+        EXPECT_EQ(copy->findBone("shoulder"), copiedElbow->parent());
+        EXPECT_EQ(copiedElbow, copy->findBone("shoulder")->firstChild());
+        KaASFDOFGroup* copiedArm = copy->findDOFGroup("arm");
+        EXPECT_NE(arm, copiedArm);
+        EXPECT_EQ(copiedArm, firstDOF(copiedElbow->dofGroup())->group());
+        EXPECT_EQ(copiedArm, firstDOF(copy->root().dofGroup())->group());
+        EXPECT_EQ(nullptr, copy->findBone("stale"));
+        EXPECT_EQ(1, copy->skinFiles().count());
+    }
+}
+
+TEST(KaASF, RemovedGroupsLeaveTheirLimitsWithTheDOFsThatUsedThem)
+{
+    KaASF skeleton;
+    KaASFDOFGroup* arm = skeleton.addDOFGroup(groupOf("arm", {kDofRX}));
+    KaASFDOFGroup* leg = skeleton.addDOFGroup(groupOf("leg", {kDofRY}));
+    arm->limits(kDofRX)->lower = -0.5f;
+    leg->limits(kDofRY)->upper = 0.25f;
+    KaASFBone* elbow = skeleton.addBone(boneNamed("elbow"));
+    elbow->dofGroup().addDOF(KaASFDOF(kDofRX, arm));
+    elbow->dofGroup().addDOF(KaASFDOF(kDofRY, leg));
+    skeleton.root().dofGroup().addDOF(KaASFDOF(kDofRY, leg));
+
+    skeleton.removeDOFGroup("arm");
+    EXPECT_EQ(nullptr, skeleton.findDOFGroup("arm"));
+    EXPECT_FALSE(skeleton._bonesUseDOFGroup("arm"));
+    EXPECT_TRUE(skeleton._bonesUseDOFGroup("leg"));
+    EXPECT_EQ(-0.5f, elbow->dofGroup().limits(kDofRX)->lower);
+    skeleton.removeDOFGroups();
+    EXPECT_EQ(0, skeleton.dofGroups().count());
+    EXPECT_FALSE(skeleton._bonesUseGroupDOFs());
+    EXPECT_EQ(0.25f, elbow->dofGroup().limits(kDofRY)->upper);
+    EXPECT_EQ(0.25f, skeleton.root().dofGroup().limits(kDofRY)->upper);
+}
+
+TEST(KaASF, ClearingKeepsTheHeaderAndTheRoot)
+{
+    KaASF skeleton;
+    skeleton.header().name = "walker";
+    KaASFDOFGroup* group = skeleton.addDOFGroup(groupOf("g", {kDofTX}));
+    group->limits(kDofTX)->upper = 3.0f;
+    skeleton.root().dofGroup().addDOF(KaASFDOF(kDofTX, group));
+    skeleton.addBone(boneNamed("hip"));
+    skeleton._clear();
+    EXPECT_EQ(nullptr, skeleton.findBone("hip"));
+    EXPECT_EQ(0, skeleton.numBones() + skeleton.dofGroups().count());
+    EXPECT_STREQ("walker", skeleton.header().name.text());
+    EXPECT_EQ(nullptr, firstDOF(skeleton.root().dofGroup())->group());
+    EXPECT_EQ(3.0f, firstDOF(skeleton.root().dofGroup())->limits().upper);
+}

@@ -1,0 +1,573 @@
+// The skeleton reader: every section's messages with their line numbers and
+// place in the chain, unit conversions, bone ids, internal files with DOF
+// groups, files on disk and input that must not bring the reader down.
+#include <cmath>
+#include <cstdlib>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "asf/KaASF.h"
+#include "support/test_helpers.h"
+#include "toolkit/KtCancelHandler.h"
+#include "toolkit/KtCompStream.h"
+#include "toolkit/KtError.h"
+
+namespace
+{
+
+constexpr float kInf = KaASFLimits::kInfinity;
+
+const std::string kVersion = ":version 1.10\n";
+const std::string kInternal = ":asf-internal\n:version 1.10\n";
+// A bone block on one line.
+std::string bone(const std::string& name, const std::string& more = "")
+{
+    return "  begin name " + name +
+           " direction 0 1 0 length 1 axis 0 0 0 XYZ " + more + " end\n";
+}
+// Bones a and b on lines 3 and 4; the hierarchy starts on line 5.
+const std::string kTwoBones =
+    kVersion + ":bonedata\n" + bone("a") + bone("b") + ":hierarchy\n";
+
+std::string chainOf(const std::string& text, KaASF* skeleton = nullptr)
+{
+    KaASF local;
+    KaASF& target = skeleton ? *skeleton : local;
+    std::istringstream in(text);
+    target.scanFrom(in);
+    return printedChain();
+}
+
+constexpr const char* kInvalidNumber = "Invalid number.";
+
+// One input per message. The chain expected, head first: the section's
+// failure, then `outer` (no line prefix), the message with the prefix of
+// `line` (none for 0), and `detail`.
+struct ChainCase
+{
+    std::string input;
+    int line;
+    const char* message;
+    const char* detail = nullptr;
+    const char* outer = nullptr;
+};
+
+void expectChains(const char* failure, const std::vector<ChainCase>& cases)
+{
+    for (const ChainCase& c : cases)
+    {
+        SCOPED_TRACE(c.input);
+        std::vector<std::string> chain;
+        if (failure)
+            chain.push_back(failure);
+        if (c.outer)
+            chain.push_back(c.outer);
+        chain.push_back(c.line ? "Line " + std::to_string(c.line) + ":  " +
+                                     c.message
+                               : c.message);
+        if (c.detail)
+            chain.push_back(c.detail);
+        KaASF skeleton;
+        std::string printed = chainOf(c.input, &skeleton);
+        EXPECT_EQ(0, skeleton.numBones());
+        for (auto older = chain.rbegin(); older != chain.rend(); ++older)
+            KtError("%s", older->c_str());
+        EXPECT_EQ(printedChain(), printed);
+    }
+}
+
+const KaASFDOF* dofAt(const KaASFDOFGroup& group, int i)
+{
+    return *group.dofs()[i];
+}
+
+// A skeleton as a capture studio writes it: comments, blank lines, odd
+// indentation, CRLF line ends, units in degrees, limits over several lines.
+const char* const kHuman = R"ASF(# Written by hand for the tests
+:version 1.10
+:name Walker
+:units
+  mass 2.0
+  length 0.5   # half units
+  angle deg
+:documentation
+   A small walker.
+   Legs   only,   for tests.
+:root
+   order TX TY TZ RZ RY RX
+   axis zyx
+   position 1 2 3
+   orientation 0 90 180
+:bonedata
+  begin
+     id 1
+     name hip
+     direction 0 -1 0
+     length 4
+     axis 0 0 90 XYZ
+  end
+  begin
+     name knee
+     direction 0 -1 0
+     length 8
+     axis 0 0 0 XYZ
+    dof rx ry
+    limits (-90.0, 10.0)
+           (-inf inf)
+  end
+
+  begin
+     id 7
+     name foot
+     direction 0.5 0 0.5
+     length 2
+     axis 0 0 0 XYZ
+    dof rz
+  end
+:hierarchy
+  begin
+    root hip
+    hip knee
+    knee foot
+  end
+:skin body.skn
+)ASF";
+
+} // namespace
+
+// clang-format off
+TEST(KaASFReader, ChecksTheHeader)
+{
+    expectChains(nullptr, {
+        {"", 0, "Unexpected end of file."},
+        {"hello\n", 0, "File does not contain ASF data.", "File does not contain the ':version' keyword."},
+        {":version\n", 0, "Unexpected end of file."},
+        {kVersion, 0, "Unexpected end of file."},
+        {":version abc\n:name x\n", 1, "Invalid value for :version.", kInvalidNumber},
+        {":version 1.10 2\n", 0, "Unexpected value for :version section."},
+        {":asf-internal x\n:version 1\n", 0, "Unexpected value for :asf-internal section."},
+        {kVersion + "\n:dofgroups\n", 3, "Unknown keyword ':dofgroups' encountered."},
+    });
+}
+
+TEST(KaASFReader, ReportsNameAndUnitsErrors)
+{
+    expectChains("Unable to read :name section.", {
+        {kVersion + ":name a b\n", 2, "Unexpected data 'b' encountered for :name section."},
+    });
+    const std::string units = kVersion + ":units\n";
+    expectChains("Unable to read :units section.", {
+        {units + "  mass 1 mass 2\n", 3, "Duplicate mass specification in :units section."},
+        {units + "  mass x\n", 3, "Unable to read mass data in :units section.", kInvalidNumber},
+        {units + "  length 1\n  length 2\n", 4, "Duplicate length specification in :units section."},
+        {units + "  length\n:root\n", 4, "Unable to read length data in :units section.", kInvalidNumber},
+        {units + "  angle deg angle rad\n", 3, "Duplicate angle specification in :units section."},
+        {units + "  angle grad\n", 3, "Illegal value for angle."},
+        {units + "  weight 3\n", 3, "Unexpected 'weight' in :units section."},
+    });
+}
+
+TEST(KaASFReader, ReportsRootErrors)
+{
+    const std::string root = kVersion + ":root\n";
+    expectChains("Unable to read :root section.", {
+        {root + "  axis XYZ axis XYZ\n", 3, "Duplicate axis keyword in :root section."},
+        {root + "  axis XQZ\n", 3, "Unable to read sequence.", "Invalid axis specification."},
+        {root + "  order tx TX\n", 3, "Dof 'tx' specified more than once.", nullptr, "Unable to read order in :root section."},
+        {root + "  order rx order ry\n", 3, "Duplicate order keyword in :root section."},
+        {root + "  position 1 2\n  orientation 0 0 0\n", 4, "Invalid value for position in :root section.", kInvalidNumber},
+        {root + "  position 0 0 0 position 0 0 0\n", 3, "Duplicate position keyword in :root section."},
+        {root + "  orientation 0 0 0\n  orientation 1 1 1\n", 4, "Duplicate orientation keyword in :root section."},
+        {root + "  orientation 0 x 0\n", 3, "Invalid value for orientation in :root section.", kInvalidNumber},
+        {root + "  spin 3\n", 3, "Unexpected 'spin' encountered in :root section."},
+        {root + "  axis XYZ\n", 4, "Unexpected end of input."},
+    });
+}
+
+// The block begins on line 3; each keyword stands on a line of its own.
+TEST(KaASFReader, ReportsBoneDataErrorsInOrder)
+{
+    const std::string section = kVersion + ":bonedata\n";
+    const std::string block = section + "  begin\n";
+    const std::string named = block + "  name a\n";
+    expectChains("Unable to read :bonedata section.", {
+        {named + "  end\n", 5, "Direction undefined in :bonedata section."},
+        {block + "  id 1\n  end\n", 5, "Name undefined in :bonedata section."},
+        {named + "  direction 1 0 0\n  end\n", 6, "Length undefined in :bonedata section."},
+        {named + "  direction 1 0 0\n  length 1\n  end\n", 7, "Axis undefined in :bonedata section."},
+        {named + "  begin\n", 5, "Expected 'end' keyword in :bonedata section."},
+        {named + ":hierarchy\n", 5, "Expected 'end' keyword in :bonedata section."},
+        {section + "  end\n", 3, "Unexpected 'end' encountered in :bonedata section."},
+        {section + "  name a\n", 3, "Data specified outside of begin/end pair in :bonedata section."},
+        {named + "  direction 1 0 0\n  id 2\n", 6, "Id must come before all other data except name in :bonedata section."},
+        {named + "  dof rx\n  limits (0 1)\n  id 3\n", 7, "Id must come before all other data except name in :bonedata section."},
+        {block + "  id 1\n  name a\n  direction 0 0 1\n  name b\n", 7, "Name must come before all other except id in :bonedata section."},
+        {block + "  id 1\n  id 2\n", 5, "Duplicate id specification in :bonedata section."},
+        {block + "  id x\n", 4, "Invalid value for 'id' in :bonedata section.", kInvalidNumber},
+        {named + "  name b\n", 5, "Duplicate name specification in :bonedata section."},
+        {block + "  direction 1 0 0\n", 4, "Direction specification defined before name in :bonedata section."},
+        {named + "  direction 0 0 1\n  direction 0 0 1\n", 6, "Duplicate direction specification in :bonedata section."},
+        {named + "  direction 1 x 0\n", 5, "Invalid value for direction in :bonedata section.", kInvalidNumber},
+        {block + "  length 1\n", 4, "Length specification defined before name in :bonedata section."},
+        {named + "  length 1\n  length 1\n", 6, "Duplicate length specification in :bonedata section."},
+        {named + "  length\n  axis 0 0 0 XYZ\n", 6, "Invalid value for length in :bonedata section.", kInvalidNumber},
+        {block + "  axis 0 0 0 XYZ\n", 4, "Axis defined before name in :bonedata section."},
+        {named + "  axis 0 0 0 XYZ\n  axis 0 0 0 XYZ\n", 6, "Duplicate axis specification in :bonedata section."},
+        {named + "  axis 0 q 0 XYZ\n", 5, "Invalid value for axis in :bonedata section.", kInvalidNumber},
+        {named + "  axis 0 0 0 XYW\n", 5, "Unable to read sequence.", "Invalid axis specification."},
+        {block + "  bodymass 1\n", 4, "Bodymass defined before name in :bonedata section."},
+        {named + "  bodymass 1\n  bodymass 1\n", 6, "Duplicate bodymass specification in :bonedata section."},
+        {named + "  bodymass heavy\n", 5, "Invalid value for bodymass in :bonedata section.", kInvalidNumber},
+        {block + "  cofmass 1\n", 4, "Cofmass defined before name in :bonedata section."},
+        {named + "  cofmass 1\n  cofmass 1\n", 6, "Duplicate cofmass specification in :bonedata section."},
+        {named + "  cofmass -\n", 5, "Invalid value for cofmass in :bonedata section.", kInvalidNumber},
+        {block + "  dof rx\n", 4, "Dof defined before name in :bonedata section."},
+        {named + "  dof rx\n  dof ry\n", 6, "Duplicate dof specification in :bonedata section."},
+        {named + "  dof rx ry\n  limits (0 1)\n  dof rz\n", 7, "Limits defined before dof in :bonedata section."},
+        {named + "  dof rx RX\n", 5, "Dof 'rx' specified more than once.", nullptr, "Unable to read dof in :bonedata section."},
+        {named + "  limits (0 1)\n", 5, "Limits defined without the definition of dof in :bonedata section."},
+        {named + "  dof rx ry\n  limits (0 1)\n  limits (0 1)\n", 7, "Duplicate limits specification in :bonedata section."},
+        {named + "  dof rx\n  limits (0 x)\n", 6, "Invalid value for upper limit in :bonedata section.", kInvalidNumber},
+        {named + "  dof rx\n  limits (2 1)\n", 6, "Lower limit greater than upper limit in :bonedata section."},
+        {named + "  dof rx\n  limits (0 1) (0 1)\n", 6, "Too many limits specified in :bonedata section."},
+        {named + "  colour red\n", 5, "Unexpected 'colour' encountered in :bonedata section."},
+    });
+}
+
+// Lines 1-3 hold the header and ":dofgroups".
+TEST(KaASFReader, ReportsDOFGroupErrors)
+{
+    const std::string section = kInternal + ":dofgroups\n";
+    const std::string named = section + "  begin name g\n";
+    expectChains("Unable to read :dofgroups section.", {
+        {section + "  end\n", 4, "Unexpected 'end' encountered in :dofgroups section."},
+        {section + "  name g\n", 4, "Data specified outside of begin/end pair in :dofgroups section."},
+        {named + "  begin\n", 5, "Expected 'end' keyword in :dofgroups section."},
+        {section + "  begin\n  end\n", 5, "Name undefined in :dofgroups section."},
+        {named + "  name h\n", 5, "Duplicate name specification in :dofgroups section."},
+        {section + "  begin dof rx\n", 4, "Dof defined before name in :dofgroups section."},
+        {named + "  dof rx dof ry\n", 5, "Duplicate dof specification in :dofgroups section."},
+        {named + "  dof rx limits (0 1) dof ry\n", 5, "Limits defined before dof in :dofgroups section."},
+        {named + "  dof rx rx\n", 5, "Unable to read dof in :dofgroups section.", "Line 5:  Dof 'rx' specified more than once."},
+        {named + "  limits (0 1)\n", 5, "Limits defined without the definition of dof in :dofgroups section."},
+        {named + "  dof rx limits (0 1) limits\n", 5, "Duplicate limits specification in :dofgroups section."},
+        {named + "  dof rx limits (0 q)\n", 5, "Invalid value for upper limit in :dofgroups section.", kInvalidNumber},
+        {named + "  dof rx limits (1 0)\n", 5, "Lower limit greater than upper limit in :dofgroups section."},
+        {named + "  dof rx limits (0 1) (0 1)\n", 5, "Too many limits specified in :dofgroups section."},
+        {named + "  weight 3\n", 5, "Unexpected 'weight' encountered in :dofgroups section."},
+    });
+}
+
+// Group "arm" (rx ry) is defined on line 4; the bone's "dof" is on line 7.
+TEST(KaASFReader, ReportsBadReferencesToGroups)
+{
+    const std::string block = kInternal + ":dofgroups\n  begin name arm dof rx ry end\n:bonedata\n  begin name a\n";
+    const char* outer = "Unable to read dof in :bonedata section.";
+    expectChains("Unable to read :bonedata section.", {
+        {block + "  dof ARM < rz >\n", 7, "Dofgroup 'arm' does not contain dof 'rz'.", nullptr, outer},
+        {block + "  dof arm < q >\n", 7, "Unexpected 'q' encountered.", nullptr, outer},
+        {block + "  dof arm < >\n", 7, "No dof specified within < >.", nullptr, outer},
+        {block + "  dof arm < rx\n", 8, "Unexpected end of input.", nullptr, outer},
+        {block + "  dof arm arm arm arm arm arm arm arm arm end\n", 7, "Too many dofs specified (at most 16).", nullptr, outer},
+    });
+}
+
+// Bones a and b stand on lines 3 and 4, ":hierarchy" on line 5.
+TEST(KaASFReader, ReportsHierarchyErrors)
+{
+    const std::string begun = kTwoBones + "  begin\n";
+    expectChains("Unable to read :hierarchy section.", {
+        {kTwoBones + "  start\n", 6, "Expected 'begin' keyword in :hierarchy section, got 'start'."},
+        {begun + "  a x\n", 7, "Unable to find bone 'x'."},
+        {begun + "  x a\n", 7, "Unable to find bone 'x'."},
+        {begun + "  root a\n  end extra\n", 8, "Unexpected 'extra' encountered after :hierarchy section."},
+        {begun + "  root a\n", 8, "Unexpected end of input."},
+        {begun + "  root a\n:skin\n", 8, "Expected 'end' keyword in :hierarchy section."},
+        {begun + "  a A\n  end\n", 7, "Bone 'a' cannot be its own ancestor."},
+        {begun + "  root a\n  a b\n  B a\n  end\n", 9, "Bone 'a' cannot be its own ancestor."},
+    });
+}
+// clang-format on
+
+TEST(KaASFReader, ReadsARealisticSkeleton)
+{
+    std::string crlf;
+    for (char c : std::string(kHuman))
+        crlf += c == '\n' ? "\r\n" : std::string(1, c);
+    KaASF skeleton;
+    EXPECT_EQ("", chainOf(crlf, &skeleton));
+
+    const KaASFHeader& header = skeleton.header();
+    EXPECT_FLOAT_EQ(1.1f, header.version);
+    EXPECT_STREQ("Walker", header.name.text());
+    EXPECT_EQ(2.0f, header.massFactor);
+    EXPECT_EQ(1, header.angleUnit);
+    // Separators and comments are gone; a line's first word follows a blank.
+    EXPECT_STREQ("A small walker.\n Legs only for tests.",
+                 header.documentation.text());
+
+    const KaASFRoot& root = skeleton.root();
+    EXPECT_EQ(6, root.dofGroup().numDOFs());
+    EXPECT_EQ(3, root.dofGroup().dofIndex(kDofRZ));
+    EXPECT_EQ(3, root.axisOrder()[0]);
+    EXPECT_EQ(3.0f, root.position().z); // positions keep their unit
+    EXPECT_EQ(1.5707964f, root.orientation()[1]);
+    EXPECT_EQ(3.1415927f, root.orientation()[2]);
+
+    ASSERT_EQ(3, skeleton.numBones());
+    KaASFBone* hip = skeleton.findBone("HIP");
+    KaASFBone* knee = skeleton.findBone("knee");
+    KaASFBone* foot = skeleton.findBone("foot");
+    EXPECT_EQ(8.0f, hip->length());
+    EXPECT_EQ(1.5707964f, hip->axis()[2]);
+    EXPECT_EQ(2, knee->id()); // the smallest id free at the end
+    EXPECT_EQ(nullptr, hip->parent());
+    EXPECT_EQ(hip, knee->parent());
+    EXPECT_EQ(knee, foot->parent());
+    EXPECT_EQ(foot, knee->firstChild());
+    // Degrees convert to radians, infinite limits like any other.
+    EXPECT_EQ(-1.5707964f, knee->dofGroup().limits(kDofRX)->lower);
+    EXPECT_EQ(0.17453292f, knee->dofGroup().limits(kDofRX)->upper);
+    EXPECT_FLOAT_EQ(-5.939048e36f, knee->dofGroup().limits(kDofRY)->lower);
+    EXPECT_EQ(kInf, foot->dofGroup().limits(kDofRZ)->upper);
+    ASSERT_EQ(1, skeleton.skinFiles().count());
+    EXPECT_STREQ("body.skn", skeleton.skinFiles()[0].text());
+}
+
+TEST(KaASFReader, ConvertsUnitsOnlyWhereTheyApply)
+{
+    KaASF skeleton;
+    EXPECT_EQ("",
+              chainOf(kVersion + ":units length 2.0\n:bonedata\n" +
+                          "  begin name a direction 0 1 0 length 10 axis 0 0 "
+                          "0 XYZ dof rx ty limits (-inf 10) (0 inf) end\n" +
+                          ":units angle deg\n:bonedata\n" +
+                          bone("b", "dof ty limits (-1 1)"),
+                      &skeleton));
+    const KaASFDOFGroup& a = skeleton.findBone("a")->dofGroup();
+    EXPECT_EQ(5.0f, skeleton.findBone("a")->length());
+    EXPECT_EQ(-kInf, a.limits(kDofRX)->lower);
+    EXPECT_EQ(10.0f, a.limits(kDofRX)->upper);
+    EXPECT_EQ(kInf, a.limits(kDofTY)->upper);
+    EXPECT_EQ(1.0f, skeleton.findBone("b")->dofGroup().limits(kDofTY)->upper);
+    // A new read starts afresh: no units carry over.
+    EXPECT_EQ("", chainOf(kVersion + ":bonedata\n" + bone("c"), &skeleton));
+    EXPECT_EQ(1.0f, skeleton.findBone("c")->length());
+    EXPECT_EQ(0, skeleton.header().angleUnit);
+}
+
+TEST(KaASFReader, AcceptsIdAndNameAfterAnythingButADirection)
+{
+    KaASF skeleton;
+    EXPECT_EQ("",
+              chainOf(kVersion + ":bonedata\n  begin name a length 1 "
+                                 "bodymass 3 dof rx id 4 "
+                                 "direction 0 0 1 axis 0 0 0 XYZ end\n",
+                      &skeleton));
+    EXPECT_EQ(4, skeleton.findBone("a")->id());
+    EXPECT_EQ(3.0f, skeleton.findBone("a")->bodyMass());
+}
+
+TEST(KaASFReader, GivesMissingIdsAtTheEnd)
+{
+    auto withId = [](const char* id, const char* name)
+    { return "  begin id " + std::string(id) + bone(name).substr(7); };
+    KaASF skeleton;
+    EXPECT_EQ("",
+              chainOf(kVersion + ":bonedata\n" + bone("a") + withId("3", "b") +
+                          bone("c") + withId("-1", "d") + withId("1", "e"),
+                      &skeleton));
+    std::vector<int> ids;
+    for (const KaASFBone* b : skeleton.bones())
+        ids.push_back(b->id());
+    EXPECT_EQ((std::vector<int>{2, 3, 4, 0, 1}), ids);
+}
+
+TEST(KaASFReader, ReadsGroupsAndReferencesInInternalFiles)
+{
+    KaASF skeleton;
+    EXPECT_EQ("",
+              chainOf(kInternal + ":units angle deg\n:dofgroups\n" +
+                          "  begin name Arm dof rx ry limits (0 90) (-90 0) "
+                          "end\n  begin name twist dof arm < ry > end\n" +
+                          ":root order tx ARM\n:bonedata\n" +
+                          bone("a", "dof tz arm < rx > twist limits (-1 1)") +
+                          bone("b", "dof arm arm < > rz"),
+                      &skeleton));
+    EXPECT_EQ(1, skeleton.header().asfInternal);
+    KaASFDOFGroup* arm = skeleton.findDOFGroup("Arm");
+    ASSERT_EQ(2, skeleton.dofGroups().count());
+    EXPECT_EQ(1.5707964f, arm->limits(kDofRX)->upper);
+    EXPECT_EQ(arm, dofAt(skeleton.root().dofGroup(), 2)->group());
+
+    // The limits pair goes to the bone's own DOF (tz, a translation, so not
+    // converted); the others report their groups' limits.
+    const KaASFDOFGroup& a = skeleton.findBone("a")->dofGroup();
+    ASSERT_EQ(3, a.numDOFs());
+    EXPECT_EQ(1.0f, a.limits(kDofTZ)->upper);
+    EXPECT_EQ(arm, dofAt(a, 1)->group());
+    EXPECT_EQ(skeleton.findDOFGroup("twist"), dofAt(a, 2)->group());
+    EXPECT_EQ(-1.5707964f, dofAt(a, 2)->limits().lower);
+    // A whole group, then an empty selection after it passes.
+    EXPECT_EQ(3, skeleton.findBone("b")->dofGroup().numDOFs());
+}
+
+TEST(KaASFReader, KeepsALongNameWithAWarning)
+{
+    KaASF skeleton;
+    std::string name(60, 'n');
+    EXPECT_EQ(
+        warningBlock({"Line 2:  :name data exceeds limit of 50 characters."}),
+        chainOf(kVersion + ":name " + name + "\n", &skeleton));
+    EXPECT_EQ(name, skeleton.header().name.text());
+}
+
+TEST(KaASFReader, EndsSectionsAtTheEndOfTheFile)
+{
+    KaASF skeleton;
+    EXPECT_EQ("",
+              chainOf(kVersion + ":documentation\n  text  # note\n  more\n" +
+                          ":skin a.skn\n  b.skn\n:skin c.skn\n:units angle deg",
+                      &skeleton));
+    EXPECT_STREQ("text\n more", skeleton.header().documentation.text());
+    ASSERT_EQ(3, skeleton.skinFiles().count());
+    EXPECT_STREQ("c.skn", skeleton.skinFiles()[2].text());
+    EXPECT_EQ(1, skeleton.header().angleUnit);
+    EXPECT_EQ("", chainOf(kVersion + ":name bob", &skeleton));
+    EXPECT_STREQ("bob", skeleton.header().name.text());
+}
+
+TEST(KaASFReader, StopsWhenCanceled)
+{
+    std::string bones;
+    for (int i = 0; i < 10; ++i)
+        bones += bone("b" + std::to_string(i));
+    KtCancelHandler::_proc = [](void*) { return 1; };
+    std::string chain = chainOf(kVersion + ":bonedata\n" + bones);
+    KtCancelHandler::_proc = nullptr;
+    EXPECT_EQ(errorBlock({"Unable to read :bonedata section.", "Canceled."}),
+              chain);
+}
+
+// Nothing walks the hierarchy recursively; the last line closes a circle
+// through every bone.
+TEST(KaASFReader, ReadsAChain100000BonesDeep)
+{
+    const int depth = 100000;
+    std::string text = kVersion + ":bonedata\n";
+    for (int i = 0; i < depth; ++i)
+        text += bone("b" + std::to_string(i));
+    text += ":hierarchy\n  begin\n    root b0\n";
+    for (int i = 1; i < depth; ++i)
+        text +=
+            "    b" + std::to_string(i - 1) + " b" + std::to_string(i) + "\n";
+    KaASF skeleton;
+    EXPECT_EQ("", chainOf(text + "  end\n", &skeleton));
+    int levels = 0;
+    for (const KaASFBone* b = skeleton.findBone("b99999"); b; b = b->parent())
+        ++levels;
+    EXPECT_EQ(depth, levels);
+    EXPECT_EQ(
+        errorBlock({"Unable to read :hierarchy section.",
+                    "Line 200005:  Bone 'b0' cannot be its own ancestor."}),
+        chainOf(text + "    b99999 b0\n  end\n", &skeleton));
+}
+
+// Damaged copies of a good file give a skeleton or an error, never a crash
+// (the sanitizers watch), and a failed read leaves no bones behind.
+TEST(KaASFReader, SurvivesDamagedInput)
+{
+    std::mt19937 random(20240531);
+    for (int round = 0; round < 400; ++round)
+    {
+        std::string text = kHuman;
+        for (int damage = 1 + random() % 8; damage > 0; --damage)
+        {
+            size_t at = random() % text.size();
+            if (damage % 3 == 0)
+                text[at] = static_cast<char>(random() % 256);
+            else if (damage % 3 == 1)
+                text.erase(at, random() % 20);
+            else
+                text.insert(at, text.substr(random() % text.size(), 30));
+        }
+        KaASF skeleton;
+        std::istringstream in(text);
+        skeleton.scanFrom(in);
+        EXPECT_TRUE(!theExceptObj.errorOccurred() || skeleton.numBones() == 0);
+        theExceptObj.clear();
+    }
+}
+
+TEST(KaASFReader, ReadsFilesAndSaysWhichOneFailed)
+{
+    TempDir dir;
+    const std::string good = dir.file("walk.asf");
+    const std::string bad = dir.file("bad.asf");
+    const std::string missing = dir.file("none.asf");
+    writeFile(good, kHuman);
+    writeFile(bad, kVersion + ":bogus\n");
+    KaASF skeleton;
+    skeleton.read(good.c_str());
+    EXPECT_EQ("", printedChain());
+    EXPECT_EQ(3, skeleton.numBones());
+    EXPECT_EQ(1, KaASF::fileContainsASF(good.c_str()));
+
+    skeleton.read(bad.c_str());
+    EXPECT_EQ(errorBlock({("Unable to read '" + bad + "'.").c_str(),
+                          "Line 2:  Unknown keyword ':bogus' encountered."}),
+              printedChain());
+    EXPECT_EQ(0, skeleton.numBones());
+
+    writeFile(bad, "not a skeleton\n");
+    EXPECT_EQ(0, KaASF::fileContainsASF(bad.c_str()));
+    EXPECT_EQ(errorBlock({("Unable to read \"" + bad + "\".").c_str(),
+                          "File does not contain ASF data.",
+                          "File does not contain the ':version' keyword."}),
+              printedChain());
+    EXPECT_EQ(0, KaASF::fileContainsASF(missing.c_str()));
+    EXPECT_EQ(errorBlock({("Unable to open '" + missing + "'.").c_str(),
+                          ("Unable to read \"" + missing + "\".").c_str(),
+                          "File does not exist."}),
+              printedChain());
+}
+
+TEST(KaASFReader, DetectsTheHeaderOfAStream)
+{
+    int internal = -1;
+    float version = 0.0f;
+    std::istringstream in(kInternal + ":name x\n");
+    EXPECT_EQ(1, KaASF::streamContainsASF(in, &internal, &version));
+    EXPECT_EQ(1, internal);
+    EXPECT_FLOAT_EQ(1.1f, version);
+    std::istringstream plain(":version 2\n:name x\n");
+    EXPECT_EQ(1, KaASF::streamContainsASF(plain, &internal, nullptr));
+    EXPECT_EQ(0, internal);
+}
+
+TEST(KaASFReader, ReadsACompressedSkeleton)
+{
+    TempDir dir;
+    const std::string plain = dir.file("walk.asf");
+    writeFile(plain, kHuman);
+    if (std::system(("gzip -q " + plain).c_str()) != 0)
+        GTEST_SKIP() << "gzip is not available";
+    const std::string packed = plain + ".gz";
+    {
+        KtCompIFStream probe;
+        probe.open(packed.c_str());
+        std::string all((std::istreambuf_iterator<char>(probe)), {});
+        if (!probe.compressed())
+            GTEST_SKIP() << "this build's streams do not decompress";
+    }
+    KaASF skeleton;
+    skeleton.read(packed.c_str());
+    EXPECT_EQ("", printedChain());
+    EXPECT_EQ(3, skeleton.numBones());
+    EXPECT_EQ(1, KaASF::fileContainsASF(plain.c_str())); // finds walk.asf.gz
+    EXPECT_EQ("", printedChain());
+}
