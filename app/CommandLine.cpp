@@ -5,11 +5,11 @@
 
 #include "app/MelWriter.h"
 #include "app/RunSequence.h"
+#include "app/Version.h"
 
 namespace
 {
 
-constexpr const char* kVersion = "1.1";
 constexpr int kPositionalCount = 5;
 
 // The frame rates that Maya can play back. 25 is accepted although the
@@ -45,7 +45,7 @@ void printNoArguments(std::ostream& out, const KtStr& programName)
     printUsage(out, programName);
     out << "\n"
         << "VERSION\n"
-        << "  " << kVersion << "\n"
+        << "  " << kMotbakeVersion << "\n"
         << "\n";
 }
 
@@ -143,7 +143,7 @@ int motbakeMain(int argc, const char* const* argv)
 void printVersion(std::ostream& out, const KtStr& programName)
 {
     out << "\n"
-        << programName << " version " << kVersion << "\n"
+        << programName << " version " << kMotbakeVersion << "\n"
         << "\n"
         << "Copyright (c) Quorvane, Inc.  All rights reserved.\n";
     out.flush();

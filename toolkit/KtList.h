@@ -144,9 +144,9 @@ public:
         return static_cast<T*>(KtDoubleLinkedList::operator[](i));
     }
 
-    // Plain traversal of the live elements; the list must not change during
-    // it (use KtDLListIter for that).
-    template <class Ref>
+    // Plain traversal of the live elements, forward or (reversed()) from the
+    // last; the list must not change during it (use KtDLListIter for that).
+    template <class Ref, bool Forward = true>
     class Iterator
     {
     public:
@@ -157,7 +157,7 @@ public:
         Ref operator*() const { return *static_cast<T*>(_node->data); }
         Iterator& operator++()
         {
-            _node = _nextLive(_node);
+            _node = Forward ? _nextLive(_node) : _prevLive(_node);
             return *this;
         }
         bool operator!=(const Iterator& other) const
@@ -175,6 +175,20 @@ public:
         return Iterator<const T&>(_firstLive());
     }
     Iterator<const T&> end() const { return Iterator<const T&>(nullptr); }
+
+    struct ReversedRange
+    {
+        Node* last;
+        Iterator<const T&, false> begin() const
+        {
+            return Iterator<const T&, false>(last);
+        }
+        Iterator<const T&, false> end() const
+        {
+            return Iterator<const T&, false>(nullptr);
+        }
+    };
+    ReversedRange reversed() const { return {_lastLive()}; }
 
 private:
     void _appendAll(const KtList& other)
