@@ -16,7 +16,9 @@ namespace
 {
 
 // One row per compression, tested in this order against the end of a name.
-// A command that takes no flag has a null one.
+// A command that takes no flag has a null one. Besides 0, a compressor may
+// have one more exit status that still means its output is complete:
+// compress exits 2 when the data did not shrink, having written it anyway.
 struct Compression
 {
     const char* extension;
@@ -25,12 +27,13 @@ struct Compression
     const char* inputFlag;
     const char* outputTool;
     const char* outputFlag;
+    int outputAlsoComplete;
 };
 
 constexpr Compression kCompressions[] = {
-    {".Z", "Z", "uncompress", "-c", "compress", nullptr},
-    {".gz", "gz", "gunzip", "-c", "gzip", "-9"},
-    {".jpeg", "jpeg", "djpeg", "-gsi", "cjpeg", "-gsi"},
+    {".Z", "Z", "uncompress", "-c", "compress", nullptr, 2},
+    {".gz", "gz", "gunzip", "-c", "gzip", "-9", 0},
+    {".jpeg", "jpeg", "djpeg", "-gsi", "cjpeg", "-gsi", 0},
 };
 
 constexpr const char* kInputPipeStem = "compifstream";
@@ -300,7 +303,8 @@ void KtCompOFStream::close()
     std::ios_base::iostate state = rdstate();
     bool written = _pipeBuffer.close();
     std::ios::rdbuf(std::ofstream::rdbuf());
-    bool compressed = _pipe.finish(false);
+    int status = _pipe.finish(false);
+    bool compressed = status == 0 || status == _alsoComplete;
     _removeNamedPipe();
     clear(state);
     if (!written || !compressed)
@@ -361,6 +365,7 @@ const char* KtCompOFStream::_spawnCompress(const char* file, const char* type)
         reportSpawnFailure(errno);
         return nullptr;
     }
+    _alsoComplete = compression->outputAlsoComplete;
     const char* argv[] = {
         compression->outputTool, compression->outputFlag, nullptr};
     int error = _pipe.startReading(toolPath, argv, output);

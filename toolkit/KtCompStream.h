@@ -76,6 +76,8 @@ private:
     void _abandon();
 
     int _instance;
+    // An exit status of the compressor that, like 0, means success.
+    int _alsoComplete = 0;
     Kt_CompPipe _pipe;
     Kt_PipeWriteBuf _pipeBuffer;
     static int _next_instance;

@@ -133,42 +133,43 @@ int Kt_CompPipe::create(const char* stem, int instance)
     return 0;
 }
 
-// Opening one end of a pipe waits until the other end is open. The guard
-// reader opens at once without waiting, and lets the writing end open at
-// once; the command then inherits that writing end instead of opening the
-// pipe itself. The stream's own open finds a writer present, whether the
-// command is still starting, already finished or failed.
-int Kt_CompPipe::startWriting(const char* toolPath, const char* const argv[])
+// Opening one end of a pipe waits until the other end is open, and reading
+// a pipe that has no writer yet finds its end at once. So both guards are
+// open before the command starts: the guard reader opens without waiting and
+// lets the guard writer open at once; the command inherits one of them
+// instead of opening the pipe itself; it finds its partner present whether
+// the stream has opened its own end yet or not, and the stream's open finds
+// one present whether the command is still starting, done or dead.
+int Kt_CompPipe::_openGuards()
 {
     _guardRead = openPipeEnd(_name, O_RDONLY | O_NONBLOCK);
     if (_guardRead < 0)
+        return errno;
+    // A command that reads this end must wait for data, not find none.
+    int flags = fcntl(_guardRead, F_GETFL);
+    if (flags < 0 || fcntl(_guardRead, F_SETFL, flags & ~O_NONBLOCK) != 0)
         return errno;
     _guardWrite = openPipeEnd(_name, O_WRONLY);
     if (_guardWrite < 0)
         return errno;
-    return _spawn(toolPath, argv, -1, _guardWrite);
+    return 0;
 }
 
-// The command inherits the guard reader as its standard input; the stream's
-// open then finds a reader present even when the command has already died,
-// and its writes fail instead of waiting.
+int Kt_CompPipe::startWriting(const char* toolPath, const char* const argv[])
+{
+    int error = _openGuards();
+    return error ? error : _spawn(toolPath, argv, -1, _guardWrite);
+}
+
 int Kt_CompPipe::startReading(const char* toolPath,
                               const char* const argv[],
                               int outputFd)
 {
-    int error = 0;
     outputFd = aboveStandard(outputFd);
     if (outputFd < 0)
         return errno;
-    _guardRead = openPipeEnd(_name, O_RDONLY | O_NONBLOCK);
-    if (_guardRead < 0)
-        error = errno;
-    // The command must wait for data, not find none: its end blocks.
-    else if (fcntl(_guardRead,
-                   F_SETFL,
-                   fcntl(_guardRead, F_GETFL) & ~O_NONBLOCK) != 0)
-        error = errno;
-    else
+    int error = _openGuards();
+    if (!error)
         error = _spawn(toolPath, argv, _guardRead, outputFd);
     ::close(outputFd);
     return error;
@@ -238,7 +239,7 @@ int Kt_CompPipe::finish(bool abandon)
 {
     releaseGuards();
     if (_child < 0)
-        return 1;
+        return 0;
     int status = 0;
     pid_t done = waitFor(_child, &status, abandon ? WNOHANG : 0);
     if (done == 0)
@@ -250,8 +251,8 @@ int Kt_CompPipe::finish(bool abandon)
     // Reaped elsewhere (SIGCHLD ignored by the application): the outcome is
     // unknown and taken as success.
     if (done < 0)
-        return 1;
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        return 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 Kt_PipeWriteBuf::~Kt_PipeWriteBuf()

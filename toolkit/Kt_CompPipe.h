@@ -45,11 +45,13 @@ public:
     // Deletes the pipe's name, if one is held; open ends keep working.
     void remove();
     // Waits for the command. With abandon, a command still running is
-    // killed first: its reader has stopped and wants no more. Returns 1 when
-    // no command was running or it exited with status 0.
+    // killed first: its reader has stopped and wants no more. Returns the
+    // command's exit status, -1 when a signal ended it, 0 when there was no
+    // command or its outcome cannot be known.
     int finish(bool abandon);
 
 private:
+    int _openGuards();
     int _spawn(const char* toolPath,
                const char* const argv[],
                int inputFd,
