@@ -4,10 +4,14 @@
 
 #include <fstream>
 
+#include "toolkit/Kt_CompPipe.h"
+
 // Opens a file for reading; when the name ends in ".Z", ".gz" or ".jpeg"
 // (or only such a sibling of the named file exists) the data is read through
-// the matching decompression command. Failures set the stream's fail state
-// and record their reasons in the error handler.
+// the matching decompression command (uncompress, gunzip, djpeg), found
+// through PATH. Failures set the stream's fail state and record their
+// reasons in the error handler. A command that fails or meets a corrupt file
+// simply ends the data early.
 class KtCompIFStream : public std::ifstream
 {
 public:
@@ -18,19 +22,30 @@ public:
 
     void open(const char* path,
               std::ios_base::openmode mode = std::ios_base::in);
+    // Closes the file. A decompression command that is still running is
+    // stopped: closing before the end never waits for the rest of the data.
+    void close();
 
-    // 1 when the stream reads through a decompression command; such a stream
-    // must be read to its end before it is closed.
+    // 1 when the stream reads through a decompression command.
     int compressed() const { return _compressed; }
+    // Taken from a per-class counter at construction; names the pipe.
+    int instance() const { return _instance; }
 
 private:
+    void _openCompressed(const char* file, const char* type);
+    void _createNamedPipe();
+    const char* _spawnUncompress(const char* file, const char* type);
+    void _removeNamedPipe();
+    void _abandon();
+
     int _instance;
     int _compressed = 0;
+    Kt_CompPipe _pipe;
     static int _next_instance;
 };
 
 // Opens a file for writing; a name ending in ".Z", ".gz" or ".jpeg" is
-// compressed by the matching command.
+// compressed by the matching command (compress, gzip -9, cjpeg).
 class KtCompOFStream : public std::ofstream
 {
 public:
@@ -41,8 +56,29 @@ public:
 
     void open(const char* path,
               std::ios_base::openmode mode = std::ios_base::out);
+    // Closes the file. For a compressed file this waits until the command
+    // has written all of it; the fail state is then set when a write or the
+    // command failed, so the file is known to be complete and correct only
+    // when the stream is still good after close().
+    void close();
+    bool is_open() const;
+    // The buffer in use, which for a compressed file is not the base file
+    // buffer.
+    std::streambuf* rdbuf() const { return std::ostream::rdbuf(); }
+
+    int instance() const { return _instance; }
 
 private:
+    void _openCompressed(const char* file, const char* type);
+    void _createNamedPipe();
+    const char* _spawnCompress(const char* file, const char* type);
+    void _removeNamedPipe();
+    void _abandon();
+
     int _instance;
+    // An exit status of the compressor that, like 0, means success.
+    int _alsoComplete = 0;
+    Kt_CompPipe _pipe;
+    Kt_PipeWriteBuf _pipeBuffer;
     static int _next_instance;
 };
