@@ -33,6 +33,15 @@ test:
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)
 
+# Release build; generates the captures under $(BENCH_DIR)/data (kept for
+# later runs) and prints the table. BENCH_ARGS passes options to bench_run.
+bench:
+	@tools/require-packages $(BUILD_PACKAGES)
+	cmake -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DMOTBAKE_BUILD_TESTS=OFF \
+	      -DMOTBAKE_BUILD_BENCH=ON
+	cmake --build $(BENCH_DIR) -j $(JOBS)
+	$(BENCH_DIR)/bench/bench_run --work $(BENCH_DIR)/data $(BENCH_ARGS)
+
 format:
 	@tools/require-packages clang-format
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i -style=file
