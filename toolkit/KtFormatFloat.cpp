@@ -1,0 +1,203 @@
+// KtFormatFloat: six significant digits of a float, rounded exactly with
+// integer arithmetic, laid out as printf's "%g" lays them out.
+#include "toolkit/KtFormatFloat.h"
+
+#include <cstdint>
+#include <cstring>
+#include <locale>
+#include <ostream>
+
+namespace
+{
+
+using Wide = unsigned __int128;
+
+constexpr int kDigits = 6;
+constexpr uint64_t kOneMillion = 1000000;
+constexpr uint64_t kLeastSixDigits = 100000;
+// "%g" switches to exponent form below 1e-4 and from 1e6 (the precision) on.
+constexpr int kLeastFixedExponent = -4;
+
+// A float is m * 2^e with m below 2^24 and e from -149 to 104. Scaling it to
+// six digits multiplies by 10^s with s from -34 to 50.
+constexpr int kMaxFivePower = 50;
+constexpr int kMaxTenPower = 38;
+
+template <int N>
+struct Powers
+{
+    Wide value[N + 1];
+};
+
+template <int N>
+constexpr Powers<N> powers(unsigned base)
+{
+    Powers<N> table{};
+    table.value[0] = 1;
+    for (int i = 1; i <= N; ++i)
+        table.value[i] = table.value[i - 1] * base;
+    return table;
+}
+
+constexpr Powers<kMaxFivePower> kFive = powers<kMaxFivePower>(5);
+constexpr Powers<kMaxTenPower> kTen = powers<kMaxTenPower>(10);
+
+// floor(b * log10(2)) for the binary exponents of floats; the constant is
+// log10(2) * 2^32, close enough that no exponent in range lands on the
+// wrong side of an integer.
+int floorLog10OfPowerOfTwo(int b)
+{
+    constexpr int64_t kLog10Of2 = 1292913986;
+    if (b >= 0)
+        return static_cast<int>((b * kLog10Of2) >> 32);
+    return -static_cast<int>((-b * kLog10Of2 + (int64_t(1) << 32) - 1) >> 32);
+}
+
+int bitLength(uint32_t m)
+{
+    return 32 - __builtin_clz(m);
+}
+
+// m * 2^e * 10^s split exactly into its integer part and the sign of
+// (fraction - 1/2): -1 below a half, 0 exactly a half, 1 above.
+struct Scaled
+{
+    uint64_t whole;
+    int half;
+};
+
+int compare(Wide a, Wide b)
+{
+    return a < b ? -1 : (a > b ? 1 : 0);
+}
+
+Scaled scale(uint32_t m, int e, int s)
+{
+    if (s >= 0)
+    {
+        // 10^s = 5^s * 2^s: the product by 5^s is exact, the power of two
+        // a shift.
+        Wide product = m * kFive.value[s];
+        int shift = e + s;
+        if (shift >= 0)
+            return {static_cast<uint64_t>(product << shift), -1};
+        Wide whole = product >> -shift;
+        Wide rest = product - (whole << -shift);
+        return {static_cast<uint64_t>(whole),
+                compare(rest, Wide(1) << (-shift - 1))};
+    }
+    Wide numerator = Wide(m) << (e > 0 ? e : 0);
+    Wide denominator = kTen.value[-s] << (e < 0 ? -e : 0);
+    Wide whole = numerator / denominator;
+    Wide rest = numerator - whole * denominator;
+    return {static_cast<uint64_t>(whole), compare(2 * rest, denominator)};
+}
+
+char* writeExponent(char* out, int exponent)
+{
+    *out++ = 'e';
+    *out++ = exponent < 0 ? '-' : '+';
+    int magnitude = exponent < 0 ? -exponent : exponent;
+    // Float exponents stay below 100, and printf writes at least two digits.
+    *out++ = static_cast<char>('0' + magnitude / 10);
+    *out++ = static_cast<char>('0' + magnitude % 10);
+    return out;
+}
+
+char* copy(char* out, const char* from, int count)
+{
+    std::memcpy(out, from, static_cast<size_t>(count));
+    return out + count;
+}
+
+// The six digits of n (100000 to 999999) laid out for the decimal exponent
+// of their first digit.
+char* layOut(char* out, uint64_t n, int exponent)
+{
+    char digits[kDigits];
+    for (int i = kDigits - 1; i >= 0; --i)
+    {
+        digits[i] = static_cast<char>('0' + n % 10);
+        n /= 10;
+    }
+    int count = kDigits;
+    while (count > 1 && digits[count - 1] == '0')
+        --count;
+
+    if (exponent < kLeastFixedExponent || exponent >= kDigits)
+    {
+        *out++ = digits[0];
+        if (count > 1)
+        {
+            *out++ = '.';
+            out = copy(out, digits + 1, count - 1);
+        }
+        return writeExponent(out, exponent);
+    }
+    if (exponent < 0)
+    {
+        *out++ = '0';
+        *out++ = '.';
+        for (int i = -1; i > exponent; --i)
+            *out++ = '0';
+        return copy(out, digits, count);
+    }
+    int integerDigits = exponent + 1;
+    out = copy(out, digits, integerDigits);
+    if (count > integerDigits)
+    {
+        *out++ = '.';
+        out = copy(out, digits + integerDigits, count - integerDigits);
+    }
+    return out;
+}
+
+} // namespace
+
+char* KtFormatFloat(char* out, float value)
+{
+    uint32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    uint32_t fraction = bits & 0x7fffff;
+    int biased = static_cast<int>((bits >> 23) & 0xff);
+    if (bits >> 31)
+        *out++ = '-';
+    if (biased == 0xff)
+        return copy(out, fraction ? "nan" : "inf", 3);
+    if (biased == 0 && fraction == 0)
+    {
+        *out++ = '0';
+        return out;
+    }
+
+    uint32_t m = biased ? fraction | 0x800000 : fraction;
+    int e = biased ? biased - 150 : -149;
+    int exponent = floorLog10OfPowerOfTwo(e + bitLength(m) - 1);
+    Scaled scaled = scale(m, e, kDigits - 1 - exponent);
+    // The estimate may be one short: m * 2^e may reach the next power of ten
+    // within its binary power of two.
+    if (scaled.whole >= kOneMillion)
+        scaled = scale(m, e, kDigits - 1 - ++exponent);
+
+    uint64_t n = scaled.whole;
+    if (scaled.half > 0 || (scaled.half == 0 && (n & 1)))
+        ++n;
+    if (n == kOneMillion) // 999999.5 and up round to the next power of ten
+    {
+        n = kLeastSixDigits;
+        ++exponent;
+    }
+    return layOut(out, n, exponent);
+}
+
+bool KtStreamFormatsFloatsByDefault(const std::ostream& out)
+{
+    constexpr std::ios_base::fmtflags kAltering =
+        std::ios_base::floatfield | std::ios_base::showpos |
+        std::ios_base::showpoint | std::ios_base::uppercase;
+    if ((out.flags() & kAltering) || out.precision() != kDigits ||
+        out.width() != 0)
+        return false;
+    const auto& punctuation = std::use_facet<std::numpunct<char>>(out.getloc());
+    return punctuation.decimal_point() == '.' && punctuation.grouping().empty();
+}
