@@ -1,7 +1,8 @@
-// The number reader of motion value lines, kept on its own so that a faster
-// equivalent can replace it.
+// The number reader of motion value lines: the run that a stream's float
+// extraction takes, converted with std::from_chars.
 #include "amc/KaScanFloat.h"
 
+#include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
@@ -33,6 +34,21 @@ locale_t cLocale()
     return locale;
 }
 
+// Out of a float's range both ways: a stream takes strtof's verdict, which
+// refuses only what overflows and turns what underflows into a signed zero.
+// Rare, so the run is copied for strtof here only.
+bool scanOutOfRange(const char* start, long length, float* value)
+{
+    char run[kMaxRun + 1];
+    std::memcpy(run, start, static_cast<size_t>(length));
+    run[length] = '\0';
+    float number = strtof_l(run, nullptr, cLocale());
+    if (std::isinf(number))
+        return false;
+    *value = number;
+    return true;
+}
+
 } // namespace
 
 bool KaScanFloat(const char*& cursor, float* value)
@@ -62,19 +78,18 @@ bool KaScanFloat(const char*& cursor, float* value)
             break;
     }
     cursor = p;
+    if (p - start > kMaxRun)
+        return false;
 
-    // The run may still be incomplete ("-", ".", "1e", "1e+"); strtof then
-    // stops short of its end.
-    long length = p - start;
-    if (length > kMaxRun)
+    // from_chars rounds exactly as strtof does, but takes no plus sign. An
+    // incomplete run ("-", ".", "1e", "1e+") stops it short of the end.
+    const char* digits = *start == '+' ? start + 1 : start;
+    float number = 0.0f;
+    std::from_chars_result parsed = std::from_chars(digits, p, number);
+    if (parsed.ec == std::errc::invalid_argument || parsed.ptr != p)
         return false;
-    char run[kMaxRun + 1];
-    std::memcpy(run, start, static_cast<size_t>(length));
-    run[length] = '\0';
-    char* end = nullptr;
-    float number = strtof_l(run, &end, cLocale());
-    if (end == run || *end != '\0' || std::isinf(number))
-        return false;
+    if (parsed.ec == std::errc::result_out_of_range)
+        return scanOutOfRange(start, p - start, value);
     *value = number;
     return true;
 }

@@ -13,8 +13,8 @@ namespace
 using Wide = unsigned __int128;
 
 constexpr int kDigits = 6;
-constexpr uint64_t kOneMillion = 1000000;
-constexpr uint64_t kLeastSixDigits = 100000;
+constexpr uint32_t kOneMillion = 1000000;
+constexpr uint32_t kLeastSixDigits = 100000;
 // "%g" switches to exponent form below 1e-4 and from 1e6 (the precision) on.
 constexpr int kLeastFixedExponent = -4;
 
@@ -58,18 +58,34 @@ int bitLength(uint32_t m)
     return 32 - __builtin_clz(m);
 }
 
-// m * 2^e * 10^s split exactly into its integer part and the sign of
-// (fraction - 1/2): -1 below a half, 0 exactly a half, 1 above.
+// m * 2^e * 10^s split exactly into its integer part and what the rest of
+// it is worth for rounding.
+enum class Rest
+{
+    kZero,
+    kBelowHalf,
+    kHalf,
+    kAboveHalf
+};
+
 struct Scaled
 {
     uint64_t whole;
-    int half;
+    Rest rest;
 };
 
-int compare(Wide a, Wide b)
+template <class T>
+Rest classify(T rest, T half)
 {
-    return a < b ? -1 : (a > b ? 1 : 0);
+    if (rest == 0)
+        return Rest::kZero;
+    return rest < half ? Rest::kBelowHalf
+                       : (rest == half ? Rest::kHalf : Rest::kAboveHalf);
 }
+
+// The usual magnitudes (1e-3 to 1e5) need 64 bits only: m * 5^s stays below
+// 2^64 for s up to 17.
+constexpr int kMaxNarrowFivePower = 17;
 
 Scaled scale(uint32_t m, int e, int s)
 {
@@ -77,20 +93,45 @@ Scaled scale(uint32_t m, int e, int s)
     {
         // 10^s = 5^s * 2^s: the product by 5^s is exact, the power of two
         // a shift.
-        Wide product = m * kFive.value[s];
         int shift = e + s;
+        if (s <= kMaxNarrowFivePower && shift > -64)
+        {
+            uint64_t product = m * static_cast<uint64_t>(kFive.value[s]);
+            if (shift >= 0)
+                return {product << shift, Rest::kZero};
+            uint64_t whole = product >> -shift;
+            return {whole,
+                    classify(product - (whole << -shift),
+                             uint64_t(1) << (-shift - 1))};
+        }
+        Wide product = m * kFive.value[s];
         if (shift >= 0)
-            return {static_cast<uint64_t>(product << shift), -1};
+            return {static_cast<uint64_t>(product << shift), Rest::kZero};
         Wide whole = product >> -shift;
-        Wide rest = product - (whole << -shift);
         return {static_cast<uint64_t>(whole),
-                compare(rest, Wide(1) << (-shift - 1))};
+                classify(product - (whole << -shift), Wide(1) << (-shift - 1))};
     }
     Wide numerator = Wide(m) << (e > 0 ? e : 0);
     Wide denominator = kTen.value[-s] << (e < 0 ? -e : 0);
     Wide whole = numerator / denominator;
     Wide rest = numerator - whole * denominator;
-    return {static_cast<uint64_t>(whole), compare(2 * rest, denominator)};
+    // rest / denominator against one half, without halving.
+    return {static_cast<uint64_t>(whole), classify(2 * rest, denominator)};
+}
+
+// The same value at one decimal digit less: the dropped digit and the rest
+// below it decide the new rest.
+Scaled dropDigit(Scaled scaled)
+{
+    int digit = static_cast<int>(scaled.whole % 10);
+    Rest rest = Rest::kAboveHalf;
+    if (digit == 0 && scaled.rest == Rest::kZero)
+        rest = Rest::kZero;
+    else if (digit < 5)
+        rest = Rest::kBelowHalf;
+    else if (digit == 5 && scaled.rest == Rest::kZero)
+        rest = Rest::kHalf;
+    return {scaled.whole / 10, rest};
 }
 
 char* writeExponent(char* out, int exponent)
@@ -106,13 +147,14 @@ char* writeExponent(char* out, int exponent)
 
 char* copy(char* out, const char* from, int count)
 {
-    std::memcpy(out, from, static_cast<size_t>(count));
-    return out + count;
+    for (int i = 0; i < count; ++i)
+        *out++ = from[i];
+    return out;
 }
 
 // The six digits of n (100000 to 999999) laid out for the decimal exponent
 // of their first digit.
-char* layOut(char* out, uint64_t n, int exponent)
+char* layOut(char* out, uint32_t n, int exponent)
 {
     char digits[kDigits];
     for (int i = kDigits - 1; i >= 0; --i)
@@ -177,10 +219,14 @@ char* KtFormatFloat(char* out, float value)
     // The estimate may be one short: m * 2^e may reach the next power of ten
     // within its binary power of two.
     if (scaled.whole >= kOneMillion)
-        scaled = scale(m, e, kDigits - 1 - ++exponent);
+    {
+        scaled = dropDigit(scaled);
+        ++exponent;
+    }
 
-    uint64_t n = scaled.whole;
-    if (scaled.half > 0 || (scaled.half == 0 && (n & 1)))
+    auto n = static_cast<uint32_t>(scaled.whole);
+    if (scaled.rest == Rest::kAboveHalf ||
+        (scaled.rest == Rest::kHalf && (n & 1)))
         ++n;
     if (n == kOneMillion) // 999999.5 and up round to the next power of ten
     {
