@@ -1,10 +1,13 @@
 // The number reader of motion value lines: the run that a stream's float
-// extraction takes, converted with std::from_chars.
+// extraction takes, converted exactly by a float operation when the digits
+// allow it, else by std::from_chars.
 #include "amc/KaScanFloat.h"
 
+#include <algorithm>
 #include <charconv>
 #include <clocale>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <locale.h>
@@ -49,47 +52,117 @@ bool scanOutOfRange(const char* start, long length, float* value)
     return true;
 }
 
+// The run of a number as a stream's float extraction takes it, with its
+// decimal digits gathered on the way.
+struct Run
+{
+    const char* end = nullptr;
+    bool negative = false;
+    // Whether the run is a whole number: a digit before any exponent, and
+    // digits in the exponent if it has one.
+    bool complete = false;
+    // The significant digits (up to kMaxDigits of them) and the power of
+    // ten that scales them to the value.
+    uint64_t digits = 0;
+    int numDigits = 0;
+    bool digitsDropped = false;
+    long scale = 0;
+};
+
+// Beyond these the digits are not gathered, only passed over.
+constexpr int kMaxDigits = 19;
+constexpr long kMaxExponent = 100000;
+
+void gatherDigit(Run& run, char c)
+{
+    if (run.digits == 0 && c == '0')
+        return; // a leading zero
+    if (run.numDigits == kMaxDigits)
+    {
+        run.digitsDropped = true;
+        return;
+    }
+    run.digits = run.digits * 10 + static_cast<uint64_t>(c - '0');
+    ++run.numDigits;
+}
+
+// An optional sign, digits with at most one decimal point, then an exponent
+// if a digit came before it.
+Run scanRun(const char* p)
+{
+    Run run;
+    run.negative = *p == '-';
+    if (*p == '+' || *p == '-')
+        ++p;
+    bool mantissa = false;
+    for (; isDigit(*p); ++p, mantissa = true)
+        gatherDigit(run, *p);
+    if (*p == '.')
+        for (++p; isDigit(*p); ++p, mantissa = true, --run.scale)
+            gatherDigit(run, *p);
+    // Digits past the gathered ones still count for the scale.
+    run.complete = mantissa;
+    if (mantissa && (*p == 'e' || *p == 'E'))
+    {
+        ++p;
+        bool negativeExponent = *p == '-';
+        if (*p == '+' || *p == '-')
+            ++p;
+        long exponent = 0;
+        run.complete = isDigit(*p);
+        for (; isDigit(*p); ++p)
+            exponent = std::min(exponent * 10 + (*p - '0'), kMaxExponent);
+        run.scale += negativeExponent ? -exponent : exponent;
+    }
+    run.end = p;
+    return run;
+}
+
+// Digits that a float holds exactly (up to 2^24), scaled by a power of ten
+// that a float holds exactly (up to 10^10): one multiplication or division,
+// rounded once, is exactly what any correct conversion gives.
+constexpr uint64_t kMaxExactDigits = uint64_t(1) << 24;
+constexpr int kMaxExactPower = 10;
+constexpr float kExactPowers[kMaxExactPower + 1] = {
+    1e0f, 1e1f, 1e2f, 1e3f, 1e4f, 1e5f, 1e6f, 1e7f, 1e8f, 1e9f, 1e10f};
+
+bool convertExactly(const Run& run, float* value)
+{
+    if (run.digitsDropped || run.digits > kMaxExactDigits ||
+        run.scale < -kMaxExactPower || run.scale > kMaxExactPower)
+        return false;
+    float number = static_cast<float>(run.digits);
+    if (run.scale < 0)
+        number /= kExactPowers[-run.scale];
+    else
+        number *= kExactPowers[run.scale];
+    *value = run.negative ? -number : number;
+    return true;
+}
+
 } // namespace
 
 bool KaScanFloat(const char*& cursor, float* value)
 {
-    const char* p = cursor;
-    while (isBlank(*p))
-        ++p;
-    const char* start = p;
-    if (*p == '+' || *p == '-')
-        ++p;
-    bool mantissa = false;
-    bool point = false;
-    bool exponent = false;
-    for (;; ++p)
-    {
-        if (isDigit(*p))
-            mantissa = true;
-        else if (*p == '.' && !point && !exponent)
-            point = true;
-        else if ((*p == 'e' || *p == 'E') && mantissa && !exponent)
-        {
-            exponent = true;
-            if (p[1] == '+' || p[1] == '-')
-                ++p;
-        }
-        else
-            break;
-    }
-    cursor = p;
-    if (p - start > kMaxRun)
+    const char* start = cursor;
+    while (isBlank(*start))
+        ++start;
+    Run run = scanRun(start);
+    cursor = run.end;
+    if (!run.complete || run.end - start > kMaxRun)
         return false;
+    if (convertExactly(run, value))
+        return true;
 
-    // from_chars rounds exactly as strtof does, but takes no plus sign. An
-    // incomplete run ("-", ".", "1e", "1e+") stops it short of the end.
+    // Otherwise from_chars, which rounds exactly as strtof does but takes no
+    // plus sign.
     const char* digits = *start == '+' ? start + 1 : start;
     float number = 0.0f;
-    std::from_chars_result parsed = std::from_chars(digits, p, number);
-    if (parsed.ec == std::errc::invalid_argument || parsed.ptr != p)
+    std::from_chars_result parsed = std::from_chars(digits, run.end, number);
+    if (parsed.ec == std::errc::invalid_argument || parsed.ptr != run.end)
         return false;
     if (parsed.ec == std::errc::result_out_of_range)
-        return scanOutOfRange(start, p - start, value);
+        return scanOutOfRange(start, run.end - start, value);
     *value = number;
     return true;
 }

@@ -134,64 +134,78 @@ Scaled dropDigit(Scaled scaled)
     return {scaled.whole / 10, rest};
 }
 
+// "00" to "99".
+struct DigitPairs
+{
+    char text[200];
+};
+
+constexpr DigitPairs digitPairs()
+{
+    DigitPairs pairs{};
+    for (int i = 0; i < 100; ++i)
+    {
+        pairs.text[2 * i] = static_cast<char>('0' + i / 10);
+        pairs.text[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}
+
+constexpr DigitPairs kDigitPairs = digitPairs();
+
+void writePair(char* out, uint32_t pair)
+{
+    std::memcpy(out, &kDigitPairs.text[2 * pair], 2);
+}
+
+// Copies are made in whole blocks of this size (one machine move each);
+// the text that follows overwrites what a block adds past the digits.
+constexpr int kCopyBlock = 8;
+
 char* writeExponent(char* out, int exponent)
 {
     *out++ = 'e';
     *out++ = exponent < 0 ? '-' : '+';
-    int magnitude = exponent < 0 ? -exponent : exponent;
     // Float exponents stay below 100, and printf writes at least two digits.
-    *out++ = static_cast<char>('0' + magnitude / 10);
-    *out++ = static_cast<char>('0' + magnitude % 10);
-    return out;
-}
-
-char* copy(char* out, const char* from, int count)
-{
-    for (int i = 0; i < count; ++i)
-        *out++ = from[i];
-    return out;
+    writePair(out, static_cast<uint32_t>(exponent < 0 ? -exponent : exponent));
+    return out + 2;
 }
 
 // The six digits of n (100000 to 999999) laid out for the decimal exponent
-// of their first digit.
+// of their first digit, without trailing zeros.
 char* layOut(char* out, uint32_t n, int exponent)
 {
-    char digits[kDigits];
-    for (int i = kDigits - 1; i >= 0; --i)
-    {
-        digits[i] = static_cast<char>('0' + n % 10);
-        n /= 10;
-    }
+    char digits[kDigits + kCopyBlock] = {};
+    writePair(digits, n / 10000);
+    writePair(digits + 2, n / 100 % 100);
+    writePair(digits + 4, n % 100);
     int count = kDigits;
-    while (count > 1 && digits[count - 1] == '0')
+    while (digits[count - 1] == '0') // n has a first digit that is not 0
         --count;
 
     if (exponent < kLeastFixedExponent || exponent >= kDigits)
     {
-        *out++ = digits[0];
-        if (count > 1)
-        {
-            *out++ = '.';
-            out = copy(out, digits + 1, count - 1);
-        }
+        out[0] = digits[0];
+        out[1] = '.';
+        std::memcpy(out + 2, digits + 1, kCopyBlock);
+        // A single digit goes without its point.
+        out += count > 1 ? count + 1 : 1;
         return writeExponent(out, exponent);
     }
     if (exponent < 0)
     {
-        *out++ = '0';
-        *out++ = '.';
-        for (int i = -1; i > exponent; --i)
-            *out++ = '0';
-        return copy(out, digits, count);
+        std::memcpy(out, "0.000", 5);
+        out += 1 - exponent; // "0." and the zeros after the point
+        std::memcpy(out, digits, kCopyBlock);
+        return out + count;
     }
     int integerDigits = exponent + 1;
-    out = copy(out, digits, integerDigits);
-    if (count > integerDigits)
-    {
-        *out++ = '.';
-        out = copy(out, digits + integerDigits, count - integerDigits);
-    }
-    return out;
+    std::memcpy(out, digits, kCopyBlock);
+    if (count <= integerDigits)
+        return out + integerDigits;
+    out[integerDigits] = '.';
+    std::memcpy(out + integerDigits + 1, digits + integerDigits, kCopyBlock);
+    return out + count + 1;
 }
 
 } // namespace
@@ -205,7 +219,10 @@ char* KtFormatFloat(char* out, float value)
     if (bits >> 31)
         *out++ = '-';
     if (biased == 0xff)
-        return copy(out, fraction ? "nan" : "inf", 3);
+    {
+        std::memcpy(out, fraction ? "nan" : "inf", 3);
+        return out + 3;
+    }
     if (biased == 0 && fraction == 0)
     {
         *out++ = '0';

@@ -11,8 +11,9 @@ constexpr int kKtFloatTextSize = 16;
 // double: six significant digits, correctly rounded (ties to even), in
 // fixed form for exponents -4 to 5 and exponent form otherwise, without
 // trailing zeros; "inf", "nan" and zero keep their sign ("-0", "-nan").
-// Writes at most kKtFloatTextSize - 1 characters and no terminator; returns
-// the end of the text.
+// Returns the end of the text, which has at most kKtFloatTextSize - 1
+// characters and no terminator; out must have room for kKtFloatTextSize
+// characters, all of which may be written to.
 char* KtFormatFloat(char* out, float value);
 
 // True when inserting a float into the stream gives KtFormatFloat's text:

@@ -1,6 +1,8 @@
 // The AMC reader: values and their storage, the header check, fields, and
 // every message chain.
 #include <cstdlib>
+#include <cstring>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -8,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "amc/KaAMC.h"
+#include "amc/KaScanFloat.h"
 #include "support/test_helpers.h"
 #include "toolkit/KtCancelHandler.h"
 #include "toolkit/KtCompStream.h"
@@ -97,6 +100,44 @@ TEST(KaAMCBone, ReadsValuesAsStreamExtractionDoes)
         KaAMCBone bone;
         bone.scanFrom(in);
         EXPECT_EQ(expected, values(bone));
+    }
+}
+
+// Short decimals take an exact shortcut, longer ones std::from_chars; both
+// must give the stream's float, bit for bit, around every boundary.
+TEST(KaScanFloat, AgreesWithStreamExtractionOnManyNumbers)
+{
+    std::mt19937 random(20240611);
+    auto digits = [&](unsigned count)
+    {
+        std::string text;
+        for (unsigned i = 0; i < count; ++i)
+            text += static_cast<char>('0' + random() % 10);
+        return text;
+    };
+    for (int i = 0; i < 200000; ++i)
+    {
+        const char* signs[] = {"", "+", "-"};
+        std::string number = signs[random() % 3];
+        number += digits(random() % 10);
+        if (random() % 2)
+            number += "." + digits(random() % 10);
+        if (random() % 3 == 0)
+            number += (random() % 2 ? "e" : "E") +
+                      std::string(random() % 2 ? "-" : "") +
+                      std::to_string(random() % 50);
+        std::istringstream reference(number);
+        float expected = 0.0f;
+        bool read = static_cast<bool>(reference >> expected) && reference.eof();
+        const char* cursor = number.c_str();
+        float value = 0.0f;
+        bool scanned = KaScanFloat(cursor, &value) && *cursor == '\0';
+        ASSERT_EQ(read, scanned) << number;
+        if (read)
+        {
+            ASSERT_EQ(std::memcmp(&expected, &value, sizeof value), 0)
+                << number << ": " << value << " instead of " << expected;
+        }
     }
 }
 
