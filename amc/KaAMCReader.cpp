@@ -1,6 +1,7 @@
 // The AMC reader: the header check, and the motion, field and bone readers.
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <istream>
 #include <utility>
 
@@ -80,6 +81,8 @@ public:
     int peek() { return _buffer->sgetc(); }
     // Only after peek gave a character.
     void bump() { _buffer->sbumpc(); }
+    // The rest of the line is always copied out of the stream.
+    char* takeLine(int) { return nullptr; }
 
 private:
     std::istream& _in;
@@ -106,6 +109,20 @@ public:
         return Traits::to_int_type(*_next);
     }
     void bump() { ++_next; }
+    // When the block holds the rest of the line, with at most maxLength
+    // characters before its newline, takes it, newline included, and gives
+    // it in place with the newline replaced by a terminator; else null.
+    char* takeLine(int maxLength)
+    {
+        auto* line = static_cast<char*>(std::memchr(
+            _next, '\n', std::min<long>(_end - _next, maxLength + 1)));
+        if (!line)
+            return nullptr;
+        *line = '\0';
+        std::swap(line, _next);
+        ++_next;
+        return line;
+    }
 
 private:
     bool _refill()
@@ -119,8 +136,8 @@ private:
     std::istream& _in;
     std::streambuf* _buffer;
     KtArray<char> _block;
-    const char* _next = nullptr;
-    const char* _end = nullptr;
+    char* _next = nullptr;
+    char* _end = nullptr;
 };
 
 bool isEnd(int c)
@@ -259,13 +276,22 @@ enum class LineRead
 
 // Reads the rest of the line as getline into a 128-character buffer does:
 // the newline is taken but not stored; nothing left to read fails; a line
-// of more than kMaxLineLength characters is refused.
+// of more than kMaxLineLength characters is refused. *text is the line read:
+// line, or the same characters where the source holds them.
 template <class Source>
-LineRead readValueLine(Source& source, char (&line)[kMaxLineLength + 1])
+LineRead readValueLine(Source& source,
+                       char (&line)[kMaxLineLength + 1],
+                       const char** text)
 {
     line[0] = '\0';
+    *text = line;
     if (!startRead(source.stream()))
         return LineRead::kFailed;
+    if (const char* inPlace = source.takeLine(kMaxLineLength))
+    {
+        *text = inPlace;
+        return LineRead::kRead;
+    }
     int length = 0;
     bool extracted = false;
     for (;;)
@@ -382,7 +408,8 @@ template <class Source>
 void KaAMCFieldReader<Source>::readBone(KaAMCBone& bone)
 {
     char line[kMaxLineLength + 1];
-    switch (readValueLine(_source, line))
+    const char* text = nullptr;
+    switch (readValueLine(_source, line, &text))
     {
     case LineRead::kTooLong:
         KtError("The bone's values are longer than %d characters.",
@@ -398,7 +425,7 @@ void KaAMCFieldReader<Source>::readBone(KaAMCBone& bone)
     // Text after the first non-number is ignored.
     float values[kMaxValues];
     int count = 0;
-    const char* cursor = line;
+    const char* cursor = text;
     while (count < kMaxValues && KaScanFloat(cursor, &values[count]))
         ++count;
     bone.setValues(values, count);

@@ -61,29 +61,22 @@ struct Run
     // Whether the run is a whole number: a digit before any exponent, and
     // digits in the exponent if it has one.
     bool complete = false;
-    // The significant digits (up to kMaxDigits of them) and the power of
-    // ten that scales them to the value.
+    // The digits as one integer and the power of ten that scales it to the
+    // value; more digits than the integer holds are left to the slow path.
     uint64_t digits = 0;
-    int numDigits = 0;
-    bool digitsDropped = false;
+    bool tooManyDigits = false;
     long scale = 0;
 };
 
-// Beyond these the digits are not gathered, only passed over.
-constexpr int kMaxDigits = 19;
+// Nineteen decimal digits always fit 64 bits.
+constexpr long kMaxDigits = 19;
 constexpr long kMaxExponent = 100000;
 
-void gatherDigit(Run& run, char c)
+const char* gatherDigits(const char* p, uint64_t* digits)
 {
-    if (run.digits == 0 && c == '0')
-        return; // a leading zero
-    if (run.numDigits == kMaxDigits)
-    {
-        run.digitsDropped = true;
-        return;
-    }
-    run.digits = run.digits * 10 + static_cast<uint64_t>(c - '0');
-    ++run.numDigits;
+    for (; isDigit(*p); ++p)
+        *digits = *digits * 10 + static_cast<uint64_t>(*p - '0');
+    return p;
 }
 
 // An optional sign, digits with at most one decimal point, then an exponent
@@ -94,15 +87,19 @@ Run scanRun(const char* p)
     run.negative = *p == '-';
     if (*p == '+' || *p == '-')
         ++p;
-    bool mantissa = false;
-    for (; isDigit(*p); ++p, mantissa = true)
-        gatherDigit(run, *p);
+    const char* start = p;
+    p = gatherDigits(p, &run.digits);
+    long numDigits = p - start;
     if (*p == '.')
-        for (++p; isDigit(*p); ++p, mantissa = true, --run.scale)
-            gatherDigit(run, *p);
-    // Digits past the gathered ones still count for the scale.
-    run.complete = mantissa;
-    if (mantissa && (*p == 'e' || *p == 'E'))
+    {
+        const char* fraction = ++p;
+        p = gatherDigits(p, &run.digits);
+        run.scale = fraction - p;
+        numDigits += p - fraction;
+    }
+    run.tooManyDigits = numDigits > kMaxDigits;
+    run.complete = numDigits > 0;
+    if (numDigits > 0 && (*p == 'e' || *p == 'E'))
     {
         ++p;
         bool negativeExponent = *p == '-';
@@ -128,7 +125,7 @@ constexpr float kExactPowers[kMaxExactPower + 1] = {
 
 bool convertExactly(const Run& run, float* value)
 {
-    if (run.digitsDropped || run.digits > kMaxExactDigits ||
+    if (run.tooManyDigits || run.digits > kMaxExactDigits ||
         run.scale < -kMaxExactPower || run.scale > kMaxExactPower)
         return false;
     float number = static_cast<float>(run.digits);

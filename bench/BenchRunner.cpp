@@ -30,8 +30,9 @@ struct Options
 
 struct Sample
 {
-    double seconds = 0.0;
-    double peakMB = 0.0; // maximum resident set size
+    double seconds = 0.0;    // wall time
+    double cpuSeconds = 0.0; // user and system time of the program itself
+    double peakMB = 0.0;     // maximum resident set size
 };
 
 struct Capture
@@ -104,6 +105,10 @@ Sample run(const std::vector<std::string>& command)
         fail(command[0] + " failed on " + command[command.size() - 2]);
     Sample sample;
     sample.seconds = std::chrono::duration<double>(stop - start).count();
+    sample.cpuSeconds =
+        static_cast<double>(usage.ru_utime.tv_sec) +
+        static_cast<double>(usage.ru_stime.tv_sec) +
+        (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * 1e-6;
     sample.peakMB = static_cast<double>(usage.ru_maxrss) * 1024.0 / kMB;
     return sample;
 }
@@ -168,17 +173,19 @@ Sample median(std::vector<Sample> samples)
     };
     Sample m;
     m.seconds = middle(&Sample::seconds);
+    m.cpuSeconds = middle(&Sample::cpuSeconds);
     m.peakMB = middle(&Sample::peakMB);
     return m;
 }
 
 void printRow(const char* program, const Capture& c, const Sample& s)
 {
-    std::printf("  %-12s %-9s %9.1f %10.3f %9.1f %9.1f %8.2f\n",
+    std::printf("  %-12s %-9s %9.1f %10.3f %9.3f %9.1f %9.1f %8.2f\n",
                 c.variant.c_str(),
                 program,
                 c.sizeMB,
                 s.seconds,
+                s.cpuSeconds,
                 c.sizeMB / s.seconds,
                 s.peakMB,
                 s.peakMB / c.sizeMB);
@@ -207,16 +214,18 @@ void compare(const Options& options)
                 options.runs,
                 loadBefore.c_str(),
                 loadAverage().c_str());
-    std::printf("  %-12s %-9s %9s %10s %9s %9s %8s\n",
+    std::printf("  %-12s %-9s %9s %10s %9s %9s %9s %8s\n",
                 "motion",
                 "program",
                 "input MB",
                 "median s",
+                "cpu s",
                 "MB/s",
                 "peak MB",
                 "peak/in");
     const double timeTargets[] = {1.0, 1.3};
     std::vector<double> ratios;
+    std::vector<double> cpuRatios;
     for (size_t i = 0; i < captures.size(); ++i)
     {
         Sample c = median(converter[i]);
@@ -224,33 +233,38 @@ void compare(const Options& options)
         printRow("motbake", captures[i], c);
         printRow("baseline", captures[i], b);
         ratios.push_back(c.seconds / b.seconds);
+        cpuRatios.push_back(c.cpuSeconds / b.cpuSeconds);
     }
     std::printf("\n");
     for (size_t i = 0; i < captures.size(); ++i)
-        std::printf("  %-12s motbake/baseline time %.2f (target %.1f)\n",
+        std::printf("  %-12s motbake/baseline time %.2f (target %.1f), "
+                    "cpu %.2f\n",
                     captures[i].variant.c_str(),
                     ratios[i],
-                    timeTargets[i]);
+                    timeTargets[i],
+                    cpuRatios[i]);
 }
 
 void growth(const Options& options)
 {
     std::printf(
         "\ngrowth, motbake -f on the standard motion (one run each)\n\n");
-    std::printf("  %10s %9s %10s %9s %10s\n",
+    std::printf("  %10s %9s %10s %9s %9s %10s\n",
                 "frames",
                 "input MB",
                 "seconds",
+                "cpu s",
                 "peak MB",
                 "us/frame");
     for (long frames : options.growth)
     {
         Capture c = capture(options, "standard", frames);
         Sample s = convert(options, c);
-        std::printf("  %10ld %9.1f %10.3f %9.1f %10.2f\n",
+        std::printf("  %10ld %9.1f %10.3f %9.3f %9.1f %10.2f\n",
                     frames,
                     c.sizeMB,
                     s.seconds,
+                    s.cpuSeconds,
                     s.peakMB,
                     s.seconds * 1e6 / static_cast<double>(frames));
         std::fflush(stdout);
