@@ -148,6 +148,8 @@ public:
     void read(const char* path);
     // The header and the first field only.
     void readFirstField(const char* path);
+    // Reads to the end of the stream, taking its characters in large blocks:
+    // after a failure the stream may stand past the text that failed.
     void scanFrom(std::istream& in);
 
     // Building in memory.
