@@ -44,7 +44,7 @@ private:
     uint64_t _state;
 };
 
-struct BoneSpec
+struct HumanBone
 {
     const char* name;
     const char* parent; // "root" for bones attached to the root
@@ -57,7 +57,7 @@ struct BoneSpec
 
 // Thirty bones of a human figure, Y up, facing +Z. Eight bones at depths one
 // to six translate in the translating variant.
-const BoneSpec kBones[] = {
+const HumanBone kBones[] = {
     {"lhipjoint", "root", {0.84, -0.52, 0.14}, 1.3, {0, 0, 28}, "", false},
     {"lfemur",
      "lhipjoint",
@@ -135,7 +135,7 @@ int countWords(const char* text)
     return count;
 }
 
-std::string dofLine(const BoneSpec& bone, bool translating)
+std::string dofLine(const HumanBone& bone, bool translating)
 {
     std::string dofs =
         translating && bone.translatesInVariant ? "tx ty tz" : "";
@@ -158,7 +158,7 @@ bool writeSkeleton(const char* path, bool translating)
                  "   position 0 0 0\n   orientation 0 0 0\n:bonedata\n",
                  kLengthFactor);
     int id = 1;
-    for (const BoneSpec& bone : kBones)
+    for (const HumanBone& bone : kBones)
     {
         std::fprintf(out,
                      "  begin\n     id %d\n     name %s\n"
@@ -189,12 +189,12 @@ bool writeSkeleton(const char* path, bool translating)
     }
     std::fprintf(out, ":hierarchy\n  begin\n");
     std::vector<const char*> parents = {"root"};
-    for (const BoneSpec& bone : kBones)
+    for (const HumanBone& bone : kBones)
         parents.push_back(bone.name);
     for (const char* parent : parents)
     {
         std::string line;
-        for (const BoneSpec& bone : kBones)
+        for (const HumanBone& bone : kBones)
             if (std::strcmp(bone.parent, parent) == 0)
                 line += std::string(" ") + bone.name;
         if (!line.empty())
@@ -263,7 +263,7 @@ std::vector<BodyChannels> makeBodies(Random& random, bool translating)
     root.channels.emplace_back(random, 0.0, 90.0); // ry: turns round
     root.channels.emplace_back(random, 0.0, 6.0);  // rz
     bodies.push_back(std::move(root));
-    for (const BoneSpec& bone : kBones)
+    for (const HumanBone& bone : kBones)
     {
         int rotations = countWords(bone.dofs);
         if (rotations == 0)
