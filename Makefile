@@ -1,6 +1,6 @@
-# The front door: make demo, make test, make build, make bench, make fuzz,
-# make format, make format-check. Missing Debian packages are installed when
-# run as root.
+# The front door: make demo, make test, make build, make bench,
+# make verify-format, make fuzz, make format, make format-check. Missing
+# Debian packages are installed when run as root.
 
 BUILD_DIR  ?= build/release
 TEST_DIR   ?= build/test
@@ -10,7 +10,7 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 BUILD_PACKAGES := cmake g++ make
 TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs
 
-.PHONY: all build test demo bench fuzz format format-check clean
+.PHONY: all build test demo bench verify-format fuzz format format-check clean
 
 all: build
 
@@ -32,6 +32,25 @@ test:
 	      -DMOTBAKE_SANITIZE=ON -DMOTBAKE_WERROR=ON
 	cmake --build $(TEST_DIR) -j $(JOBS)
 	cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)
+
+# Release build; generates the captures under $(BENCH_DIR)/data (kept for
+# later runs) and prints the table. BENCH_ARGS passes options to bench_run.
+bench:
+	@tools/require-packages $(BUILD_PACKAGES)
+	cmake -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DMOTBAKE_BUILD_TESTS=OFF \
+	      -DMOTBAKE_BUILD_BENCH=ON
+	cmake --build $(BENCH_DIR) -j $(JOBS)
+	$(BENCH_DIR)/bench/verify_format --threads $(JOBS)
+	$(BENCH_DIR)/bench/bench_run --work $(BENCH_DIR)/data $(BENCH_ARGS)
+
+# Every one of the 2^32 floats through the fast formatter and printf (about
+# ten minutes on two cores).
+verify-format:
+	@tools/require-packages $(BUILD_PACKAGES)
+	cmake -S . -B $(BENCH_DIR) -DCMAKE_BUILD_TYPE=Release -DMOTBAKE_BUILD_TESTS=OFF \
+	      -DMOTBAKE_BUILD_BENCH=ON
+	cmake --build $(BENCH_DIR) -j $(JOBS) --target verify_format
+	$(BENCH_DIR)/bench/verify_format --all --threads $(JOBS)
 
 format:
 	@tools/require-packages clang-format

@@ -124,6 +124,14 @@ const KaAMCBone* KaAMCField::findBone(const char* name) const
     return nullptr;
 }
 
+bool KaAMCField::bonesNamedByPosition(const KtArray<KtStr>& names) const
+{
+    for (int i = 0; i < _bones.count(); ++i)
+        if (_bones[i].name() != (i < names.count() ? &names[i] : nullptr))
+            return false;
+    return true;
+}
+
 // A field may hold fewer bones than there are names (it then takes only
 // its own share) or more (the extra bones have no name).
 void KaAMCField::setBoneNamesPtr(const KtArray<KtStr>* names)

@@ -9,6 +9,9 @@
 
 // One bone's values in one field, in file order. The name is shared: it
 // points into the motion's bone-name list and is not owned by the bone.
+template <class Source>
+class KaAMCFieldReader;
+
 class KaAMCBone
 {
 public:
@@ -72,6 +75,11 @@ public:
     // First bone whose name equals name ignoring case, else null. Bones
     // without a name (past the first field's bone count) never match.
     const KaAMCBone* findBone(const char* name) const;
+    // True when bone i is named by names[i] for every i that names holds and
+    // the bones past them are unnamed, as after reading. findBone(name) is
+    // then the bone at the first position of name in names, if the field
+    // has a bone there: a lookup that needs no search.
+    bool bonesNamedByPosition(const KtArray<KtStr>& names) const;
 
     // Reads one field; with names, stores each bone's name at its position.
     void scanFrom(std::istream& in);
@@ -87,15 +95,9 @@ public:
 
 private:
     friend class KaAMC;
-
-    // Reads the bones into lines, a buffer kept across the fields of one
-    // read, so that each field allocates its bones exactly once.
-    void _scanFrom(std::istream& in,
-                   KtDArray<KtStr>* names,
-                   KtDArray<KaAMCBone>& lines);
-    int _scanBones(std::istream& in,
-                   KtDArray<KtStr>* names,
-                   KtDArray<KaAMCBone>& lines);
+    // The reader, over a source of characters (KaAMCReader.cpp).
+    template <class Source>
+    friend class KaAMCFieldReader;
 
     const KtArray<KtStr>* _boneNames = nullptr;
     int _frameNumber = 0;
@@ -146,6 +148,8 @@ public:
     void read(const char* path);
     // The header and the first field only.
     void readFirstField(const char* path);
+    // Reads to the end of the stream, taking its characters in large blocks:
+    // after a failure the stream may stand past the text that failed.
     void scanFrom(std::istream& in);
 
     // Building in memory.
@@ -166,6 +170,8 @@ public:
 
 private:
     void _scanFrom(std::istream& in, int maxFields);
+    template <class Reader>
+    void _scanFields(Reader& reader, int maxFields);
     void _pointFieldsAtNames();
 
     Mode_t _mode = FULLY_SPECIFIED;

@@ -1,5 +1,7 @@
 // The AMC reader: the header check, and the motion, field and bone readers.
 #include <algorithm>
+#include <climits>
+#include <cstring>
 #include <istream>
 #include <utility>
 
@@ -17,6 +19,8 @@ constexpr int kFieldChunk = 250;
 constexpr int kNameChunk = 50;
 constexpr int kBoneChunk = 50;
 constexpr int kCancelInterval = 20;
+// The characters of a whole motion are taken from its stream in blocks.
+constexpr int kBlockSize = 1 << 16;
 
 // A comment is skipped 128 characters at a time; the rest of a longer one
 // is read as a new header line.
@@ -58,26 +62,193 @@ int refuse(KtStr* message, const char* reason)
     return 0;
 }
 
-// Reads a word as `in >> word` does, straight from the stream buffer, but
-// never more than kMaxNameLength characters. Returns false when the word is
-// longer (name then holds its start); a word ended by the end of the file
-// sets eof, an empty one fail, as formatted input does.
-bool readName(std::istream& in, char (&name)[kMaxNameLength + 1])
+// The characters of a motion, one at a time, for its reader. The reader
+// keeps the stream's state as formatted input would: eof at the end of the
+// characters, fail on a failed read.
+//
+// StreamSource takes them straight from the stream's buffer, so the stream
+// stands exactly after what was read: single fields and bones, and motions
+// read only up to a number of fields.
+class StreamSource
+{
+public:
+    explicit StreamSource(std::istream& in)
+        : _in(in)
+        , _buffer(in.rdbuf())
+    {
+    }
+    std::istream& stream() { return _in; }
+    int peek() { return _buffer->sgetc(); }
+    // Only after peek gave a character.
+    void bump() { _buffer->sbumpc(); }
+    // The rest of the line is always copied out of the stream.
+    char* takeLine(int) { return nullptr; }
+
+private:
+    std::istream& _in;
+    std::streambuf* _buffer;
+};
+
+// BlockSource takes the stream's characters in large blocks, sparing the
+// stream buffer a call for every character. What it has taken is gone from
+// the stream, so it serves reads that go on to the stream's end.
+class BlockSource
+{
+public:
+    explicit BlockSource(std::istream& in)
+        : _in(in)
+        , _buffer(in.rdbuf())
+        , _block(kBlockSize)
+    {
+    }
+    std::istream& stream() { return _in; }
+    int peek()
+    {
+        if (_next == _end && !_refill())
+            return Traits::eof();
+        return Traits::to_int_type(*_next);
+    }
+    void bump() { ++_next; }
+    // When the block holds the rest of the line, with at most maxLength
+    // characters before its newline, takes it, newline included, and gives
+    // it in place with the newline replaced by a terminator; else null.
+    char* takeLine(int maxLength)
+    {
+        auto* line = static_cast<char*>(std::memchr(
+            _next, '\n', std::min<long>(_end - _next, maxLength + 1)));
+        if (!line)
+            return nullptr;
+        *line = '\0';
+        std::swap(line, _next);
+        ++_next;
+        return line;
+    }
+
+private:
+    bool _refill()
+    {
+        std::streamsize got = _buffer->sgetn(_block.data(), kBlockSize);
+        _next = _block.data();
+        _end = _next + std::max<std::streamsize>(got, 0);
+        return _next != _end;
+    }
+
+    std::istream& _in;
+    std::streambuf* _buffer;
+    KtArray<char> _block;
+    char* _next = nullptr;
+    char* _end = nullptr;
+};
+
+bool isEnd(int c)
+{
+    return Traits::eq_int_type(c, Traits::eof());
+}
+
+// A formatted read on a stream that is not good fails at once.
+bool startRead(std::istream& in)
+{
+    if (in.good())
+        return true;
+    in.setstate(std::ios_base::failbit);
+    return false;
+}
+
+// in >> std::ws.
+template <class Source>
+void skipWhitespace(Source& source)
+{
+    if (!startRead(source.stream()))
+        return;
+    for (int c = source.peek(); !isEnd(c); c = source.peek())
+    {
+        if (!isBlank(c))
+            return;
+        source.bump();
+    }
+    source.stream().setstate(std::ios_base::eofbit);
+}
+
+// in.peek().
+template <class Source>
+int peekCharacter(Source& source)
+{
+    if (!startRead(source.stream()))
+        return Traits::eof();
+    int c = source.peek();
+    if (isEnd(c))
+        source.stream().setstate(std::ios_base::eofbit);
+    return c;
+}
+
+// in >> number, as the stream reads an int: blanks skipped, an optional
+// sign, decimal digits. Without digits the read fails and gives 0; a number
+// beyond an int fails and gives the nearer limit. Blanks up to the end of
+// the characters fail and leave number as it was.
+template <class Source>
+void readInteger(Source& source, int* number)
+{
+    std::istream& in = source.stream();
+    if (!startRead(in))
+        return;
+    int c = source.peek();
+    for (; isBlank(c); c = source.peek())
+        source.bump();
+    if (isEnd(c))
+    {
+        in.setstate(std::ios_base::eofbit | std::ios_base::failbit);
+        return;
+    }
+    bool negative = c == '-';
+    if (c == '-' || c == '+')
+    {
+        source.bump();
+        c = source.peek();
+    }
+    bool digits = false;
+    bool overflow = false;
+    long magnitude = 0; // negative numbers are gathered below zero
+    for (; isDigit(c); c = source.peek())
+    {
+        digits = true;
+        int digit = c - '0';
+        if (negative ? magnitude < (LONG_MIN + digit) / 10
+                     : magnitude > (LONG_MAX - digit) / 10)
+            overflow = true;
+        else
+            magnitude = magnitude * 10 + (negative ? -digit : digit);
+        source.bump();
+    }
+    std::ios_base::iostate state =
+        isEnd(c) ? std::ios_base::eofbit : std::ios_base::goodbit;
+    if (!digits || overflow || magnitude < INT_MIN || magnitude > INT_MAX)
+        state |= std::ios_base::failbit;
+    if (!digits)
+        *number = 0;
+    else if (overflow || magnitude < INT_MIN || magnitude > INT_MAX)
+        *number = negative ? INT_MIN : INT_MAX;
+    else
+        *number = static_cast<int>(magnitude);
+    in.setstate(state);
+}
+
+// Reads a word as `in >> word` does, but never more than kMaxNameLength
+// characters. Returns false when the word is longer (name then holds its
+// start); a word ended by the end of the file sets eof, an empty one fail,
+// as formatted input does.
+template <class Source>
+bool readName(Source& source, char (&name)[kMaxNameLength + 1])
 {
     int length = 0;
     name[0] = '\0';
-    if (!in.good())
-    {
-        in.setstate(std::ios_base::failbit);
+    if (!startRead(source.stream()))
         return true;
-    }
-    std::streambuf* buffer = in.rdbuf();
     for (;;)
     {
-        int c = buffer->sgetc();
-        if (Traits::eq_int_type(c, Traits::eof()))
+        int c = source.peek();
+        if (isEnd(c))
         {
-            in.setstate(std::ios_base::eofbit);
+            source.stream().setstate(std::ios_base::eofbit);
             break;
         }
         if (isBlank(c))
@@ -88,11 +259,11 @@ bool readName(std::istream& in, char (&name)[kMaxNameLength + 1])
             return false;
         }
         name[length++] = Traits::to_char_type(c);
-        buffer->sbumpc();
+        source.bump();
     }
     name[length] = '\0';
     if (length == 0)
-        in.setstate(std::ios_base::failbit);
+        source.stream().setstate(std::ios_base::failbit);
     return true;
 }
 
@@ -105,26 +276,33 @@ enum class LineRead
 
 // Reads the rest of the line as getline into a 128-character buffer does:
 // the newline is taken but not stored; nothing left to read fails; a line
-// of more than kMaxLineLength characters is refused.
-LineRead readValueLine(std::istream& in, char (&line)[kMaxLineLength + 1])
+// of more than kMaxLineLength characters is refused. *text is the line read:
+// line, or the same characters where the source holds them.
+template <class Source>
+LineRead readValueLine(Source& source,
+                       char (&line)[kMaxLineLength + 1],
+                       const char** text)
 {
     line[0] = '\0';
-    if (!in.good())
-    {
-        in.setstate(std::ios_base::failbit);
+    *text = line;
+    if (!startRead(source.stream()))
         return LineRead::kFailed;
+    if (const char* inPlace = source.takeLine(kMaxLineLength))
+    {
+        *text = inPlace;
+        return LineRead::kRead;
     }
-    std::streambuf* buffer = in.rdbuf();
     int length = 0;
     bool extracted = false;
     for (;;)
     {
-        int c = buffer->sbumpc();
-        if (Traits::eq_int_type(c, Traits::eof()))
+        int c = source.peek();
+        if (isEnd(c))
         {
-            in.setstate(std::ios_base::eofbit);
+            source.stream().setstate(std::ios_base::eofbit);
             break;
         }
+        source.bump();
         extracted = true;
         if (c == '\n')
             break;
@@ -138,7 +316,7 @@ LineRead readValueLine(std::istream& in, char (&line)[kMaxLineLength + 1])
     line[length] = '\0';
     if (!extracted)
     {
-        in.setstate(std::ios_base::failbit);
+        source.stream().setstate(std::ios_base::failbit);
         return LineRead::kFailed;
     }
     return LineRead::kRead;
@@ -200,12 +378,38 @@ private:
 
 } // namespace
 
-// ---- KaAMCBone -----------------------------------------------------------
+// ---- The field reader ---------------------------------------------------
 
-void KaAMCBone::scanFrom(std::istream& in)
+// Reads bones and fields from a source of characters (see StreamSource and
+// BlockSource); the fields' bones are gathered in a buffer kept across the
+// fields of one read, so that each field allocates its bones exactly once.
+template <class Source>
+class KaAMCFieldReader
+{
+public:
+    explicit KaAMCFieldReader(std::istream& in)
+        : _source(in)
+    {
+    }
+    std::istream& stream() { return _source.stream(); }
+
+    // With names, each bone's name is stored at its position.
+    void readField(KaAMCField& field, KtDArray<KtStr>* names);
+    void readBone(KaAMCBone& bone);
+
+private:
+    int _readBones(KaAMCField& field, KtDArray<KtStr>* names);
+
+    Source _source;
+    KtDArray<KaAMCBone> _lines;
+};
+
+template <class Source>
+void KaAMCFieldReader<Source>::readBone(KaAMCBone& bone)
 {
     char line[kMaxLineLength + 1];
-    switch (readValueLine(in, line))
+    const char* text = nullptr;
+    switch (readValueLine(_source, line, &text))
     {
     case LineRead::kTooLong:
         KtError("The bone's values are longer than %d characters.",
@@ -221,58 +425,46 @@ void KaAMCBone::scanFrom(std::istream& in)
     // Text after the first non-number is ignored.
     float values[kMaxValues];
     int count = 0;
-    const char* cursor = line;
+    const char* cursor = text;
     while (count < kMaxValues && KaScanFloat(cursor, &values[count]))
         ++count;
-    setValues(values, count);
-}
-
-// ---- KaAMCField ----------------------------------------------------------
-
-void KaAMCField::scanFrom(std::istream& in)
-{
-    scanFrom(in, nullptr);
-}
-
-void KaAMCField::scanFrom(std::istream& in, KtDArray<KtStr>* names)
-{
-    KtDArray<KaAMCBone> lines;
-    _scanFrom(in, names, lines);
+    bone.setValues(values, count);
 }
 
 // A field ends where the next word starts with a digit: the next frame
 // number. Bone names therefore never start with a digit, and a negative
 // frame number reads as a bone name.
-void KaAMCField::_scanFrom(std::istream& in,
-                           KtDArray<KtStr>* names,
-                           KtDArray<KaAMCBone>& lines)
+template <class Source>
+void KaAMCFieldReader<Source>::readField(KaAMCField& field,
+                                         KtDArray<KtStr>* names)
 {
-    _bones._clear();
-    in >> _frameNumber;
-    if (in.eof())
+    field._bones._clear();
+    readInteger(_source, &field._frameNumber);
+    if (stream().eof())
         return;
-    if (in.fail())
+    if (stream().fail())
     {
         KtError("Unable to read field number.");
         return;
     }
-    int count = _scanBones(in, names, lines);
+    int count = _readBones(field, names);
     if (names)
         names->_resize(count);
-    _bones._resize(count);
+    field._bones._resize(count);
     for (int i = 0; i < count; ++i)
-        _bones[i] = std::move(lines[i]);
+        field._bones[i] = std::move(_lines[i]);
 }
 
-// Returns the number of bones read into lines (and their names into names),
-// up to the end of the field or the first error.
-int KaAMCField::_scanBones(std::istream& in,
-                           KtDArray<KtStr>* names,
-                           KtDArray<KaAMCBone>& lines)
+// Returns the number of bones read into _lines (and their names into
+// names), up to the end of the field or the first error.
+template <class Source>
+int KaAMCFieldReader<Source>::_readBones(KaAMCField& field,
+                                         KtDArray<KtStr>* names)
 {
+    std::istream& in = stream();
     for (int count = 0;; ++count)
     {
-        in >> std::ws;
+        skipWhitespace(_source);
         if (in.eof())
             return count;
         if (in.fail())
@@ -280,7 +472,7 @@ int KaAMCField::_scanBones(std::istream& in,
             KtError("Unable to read past whitespace.");
             return count;
         }
-        int next = in.peek();
+        int next = peekCharacter(_source);
         if (in.eof())
             return count;
         if (in.fail())
@@ -292,13 +484,14 @@ int KaAMCField::_scanBones(std::istream& in,
             return count;
 
         char name[kMaxNameLength + 1];
-        if (!readName(in, name))
+        if (!readName(_source, name))
         {
             KtError("The bone name \"%.*s...\" is longer than %d characters.",
                     kShownNameLength,
                     name,
                     kMaxNameLength);
-            KtError("Unable to read bone name for field %d.", _frameNumber);
+            KtError("Unable to read bone name for field %d.",
+                    field._frameNumber);
             return count;
         }
         // A last name with neither values nor a newline is dropped.
@@ -306,7 +499,8 @@ int KaAMCField::_scanBones(std::istream& in,
             return count;
         if (in.fail())
         {
-            KtError("Unable to read bone name for field %d.", _frameNumber);
+            KtError("Unable to read bone name for field %d.",
+                    field._frameNumber);
             return count;
         }
 
@@ -316,16 +510,36 @@ int KaAMCField::_scanBones(std::istream& in,
                 names->_resize(names->count() + kNameChunk);
             (*names)[count] = name;
         }
-        if (count >= lines.count())
-            lines._resize(lines.count() + kBoneChunk);
-        lines[count].scanFrom(in);
+        if (count >= _lines.count())
+            _lines._resize(_lines.count() + kBoneChunk);
+        readBone(_lines[count]);
         if (theExceptObj.errorOccurred())
         {
-            KtError(
-                "Unable to read bone '%s' for field %d.", name, _frameNumber);
+            KtError("Unable to read bone '%s' for field %d.",
+                    name,
+                    field._frameNumber);
             return count;
         }
     }
+}
+
+// ---- KaAMCBone -----------------------------------------------------------
+
+void KaAMCBone::scanFrom(std::istream& in)
+{
+    KaAMCFieldReader<StreamSource>(in).readBone(*this);
+}
+
+// ---- KaAMCField ----------------------------------------------------------
+
+void KaAMCField::scanFrom(std::istream& in)
+{
+    scanFrom(in, nullptr);
+}
+
+void KaAMCField::scanFrom(std::istream& in, KtDArray<KtStr>* names)
+{
+    KaAMCFieldReader<StreamSource>(in).readField(*this, names);
 }
 
 // ---- KaAMC ---------------------------------------------------------------
@@ -443,7 +657,9 @@ void KaAMC::scanFrom(std::istream& in)
 }
 
 // The header's values are kept as they are found, even when the header
-// turns out incomplete. The first field names the bones for all others.
+// turns out incomplete. A read to the end of the stream takes its
+// characters in blocks; one that stops after some fields leaves the rest in
+// the stream.
 void KaAMC::_scanFrom(std::istream& in, int maxFields)
 {
     KtStr reason;
@@ -453,14 +669,29 @@ void KaAMC::_scanFrom(std::istream& in, int maxFields)
         KtError("File does not contain amc data.");
         return;
     }
+    if (maxFields == 0)
+    {
+        KaAMCFieldReader<BlockSource> reader(in);
+        _scanFields(reader, maxFields);
+    }
+    else
+    {
+        KaAMCFieldReader<StreamSource> reader(in);
+        _scanFields(reader, maxFields);
+    }
+}
+
+// The first field names the bones for all others.
+template <class Reader>
+void KaAMC::_scanFields(Reader& reader, int maxFields)
+{
     FieldBlocks fields;
-    KtDArray<KaAMCBone> lines;
     for (int n = 0;;)
     {
-        fields.append()._scanFrom(in, n == 0 ? &_boneNames : nullptr, lines);
+        reader.readField(fields.append(), n == 0 ? &_boneNames : nullptr);
         ++n;
         // A failure seen at the end of the file keeps what was read.
-        if (in.eof())
+        if (reader.stream().eof())
             break;
         if (theExceptObj.errorOccurred())
         {

@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "amc/KaAMC.h"
+#include "app/BodyTable.h"
 #include "app/Version.h"
 #include "asf/KaASF.h"
 #include "toolkit/KtError.h"
@@ -100,12 +101,13 @@ KtList<Body> channelBodies(const KaASF& asf, const KaAMC& amc)
     KtList<Body> bodies;
     if (amc.numFields() == 0)
         return bodies;
-    const KaAMCField& first = amc.field(0);
-    if (first.findBone("root"))
-        bodies.append({"root", &asf.root().dofGroup(), true});
-    for (const KaASFBone* bone : asf.bones())
-        if (first.findBone(bone->name()))
-            bodies.append({bone->name(), &bone->dofGroup(), false});
+    BodyTable table(asf, &amc.boneNames());
+    table.bind(amc.field(0));
+    for (int body = 0; body < table.count(); ++body)
+        if (table.values(body))
+            bodies.append({table.name(body),
+                           &table.dofGroup(body),
+                           body == BodyTable::kRoot});
     return bodies;
 }
 

@@ -86,9 +86,6 @@ void applyDOFValue(
     }
 }
 
-// The backward pass indexes the values from the last value, not the last
-// DOF; the two only differ for a body whose value count does not match its
-// DOFs, and then any index outside its values is skipped rather than read.
 void applyDOFValues(KtCoordSystem& cs,
                     const KaASFDOFGroup& dofs,
                     const float* values,
@@ -96,20 +93,32 @@ void applyDOFValues(KtCoordSystem& cs,
                     float scale,
                     int degrees)
 {
+    KtArray<int> codes(dofs.numDOFs());
     int i = 0;
     for (const KaASFDOF* dof : dofs.dofs())
-    {
-        if (KaIsTranslationDOF(dof->code()) && i < numValues)
-            applyDOFValue(cs, dof->code(), values[i], scale, degrees);
-        ++i;
-    }
+        codes[i++] = dof->code();
+    applyDOFCodes(
+        cs, codes.data(), codes.count(), values, numValues, scale, degrees);
+}
+
+// The backward pass indexes the values from the last value, not the last
+// DOF; the two only differ for a body whose value count does not match its
+// DOFs, and then any index outside its values is skipped rather than read.
+void applyDOFCodes(KtCoordSystem& cs,
+                   const int* codes,
+                   int numCodes,
+                   const float* values,
+                   int numValues,
+                   float scale,
+                   int degrees)
+{
+    for (int i = 0; i < numCodes && i < numValues; ++i)
+        if (KaIsTranslationDOF(codes[i]))
+            applyDOFValue(cs, codes[i], values[i], scale, degrees);
     int index = numValues - 1;
-    for (const KaASFDOF* dof : dofs.dofs().reversed())
-    {
-        if (dof->isRotation() && index >= 0)
-            applyDOFValue(cs, dof->code(), values[index], scale, degrees);
-        --index;
-    }
+    for (int i = numCodes - 1; i >= 0 && index >= 0; --i, --index)
+        if (KaIsRotationDOF(codes[i]))
+            applyDOFValue(cs, codes[i], values[index], scale, degrees);
 }
 
 void evaluateRootFrame(KtCoordSystem& animated,

@@ -28,6 +28,14 @@ void applyDOFValues(KtCoordSystem& cs,
                     int numValues,
                     float scale,
                     int degrees);
+// The same for a group given by its DOF codes in order.
+void applyDOFCodes(KtCoordSystem& cs,
+                   const int* codes,
+                   int numCodes,
+                   const float* values,
+                   int numValues,
+                   float scale,
+                   int degrees);
 
 void evaluateRootFrame(KtCoordSystem& animated,
                        KtCoordSystem& rest,

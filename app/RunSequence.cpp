@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "amc/KaAMC.h"
+#include "app/BodyTable.h"
 #include "app/MelWriter.h"
 #include "app/MovWriter.h"
 #include "asf/KaASF.h"
@@ -36,9 +37,8 @@ bool readInput(const char* path, const std::function<void()>& read)
 
 void checkBodyDOFs(const char* name,
                    const KaASFDOFGroup& dofs,
-                   const KaAMCField& first)
+                   const KaAMCBone* values)
 {
-    const KaAMCBone* values = first.findBone(name);
     if (values && values->numValues() != dofs.numDOFs())
         KtWarning("Bone \"%s\" has %d dofs in the ASF, but the AMC specifies "
                   "%d.",
@@ -96,10 +96,11 @@ void checkDOFCounts(const KaASF& asf, const KaAMC& amc)
         KtWarning("The AMC specifies no frames of data.");
         return;
     }
-    const KaAMCField& first = amc.field(0);
-    checkBodyDOFs("root", asf.root().dofGroup(), first);
-    for (const KaASFBone* bone : asf.bones())
-        checkBodyDOFs(bone->name(), bone->dofGroup(), first);
+    BodyTable bodies(asf, &amc.boneNames());
+    bodies.bind(amc.field(0));
+    for (int body = 0; body < bodies.count(); ++body)
+        checkBodyDOFs(
+            bodies.name(body), bodies.dofGroup(body), bodies.values(body));
 }
 
 // The file is closed before the verdict, so that a write that the system

@@ -36,6 +36,87 @@ KtPoint fromHomogeneous(const float (&v)[4])
     return KtPoint(v[0] / w, v[1] / w, v[2] / w);
 }
 
+// The cofactor expansion of _matrixSubDeterminant, unrolled for the inverse:
+// the same products and sums in the same order, each level's sum starting
+// from 0 and each cofactor taking its sign by a multiplication, so every
+// result is bit for bit the one of the general routine. Elements up to
+// kPlainMagnitude keep every intermediate finite; only then may a
+// multiplication by -1 be a negation (they differ only for NaN).
+constexpr float kPlainMagnitude = 1073741824.0f; // 2^30
+
+using Elements = float[4][4];
+
+bool plainElements(const Elements& m)
+{
+    for (int i = 0; i < kSize; ++i)
+        for (int j = 0; j < kSize; ++j)
+            if (!(std::fabs(m[i][j]) <= kPlainMagnitude)) // NaN fails too
+                return false;
+    return true;
+}
+
+// The k-th of the indices 0..3 that remain when removed is left out.
+constexpr int remaining(int k, int removed)
+{
+    return k < removed ? k : k + 1;
+}
+
+constexpr float cofactorSign(int i, int j)
+{
+    return (i + j) % 2 == 0 ? 1.0f : -1.0f;
+}
+
+inline float determinant2(const Elements& m, int r0, int r1, int c0, int c1)
+{
+    float det = 0.0f;
+    det += m[r0][c0] * (1.0f * m[r1][c1]);
+    det += m[r0][c1] * (-1.0f * m[r1][c0]);
+    return det;
+}
+
+inline float
+determinant3(const Elements& m, int r0, int r1, int r2, int c0, int c1, int c2)
+{
+    float det = 0.0f;
+    det += m[r0][c0] * (1.0f * determinant2(m, r1, r2, c1, c2));
+    det += m[r0][c1] * (-1.0f * determinant2(m, r1, r2, c0, c2));
+    det += m[r0][c2] * (1.0f * determinant2(m, r1, r2, c0, c1));
+    return det;
+}
+
+template <int I, int J>
+float cofactor(const Elements& m)
+{
+    return cofactorSign(I, J) * determinant3(m,
+                                             remaining(0, I),
+                                             remaining(1, I),
+                                             remaining(2, I),
+                                             remaining(0, J),
+                                             remaining(1, J),
+                                             remaining(2, J));
+}
+
+float determinant4(const Elements& m)
+{
+    float det = 0.0f;
+    det += m[0][0] * cofactor<0, 0>(m);
+    det += m[0][1] * cofactor<0, 1>(m);
+    det += m[0][2] * cofactor<0, 2>(m);
+    det += m[0][3] * cofactor<0, 3>(m);
+    return det;
+}
+
+// res[i][j] = cofactor(i, j) of t / det, for element K = 4 i + j onwards.
+template <int K = 0>
+void dividedCofactors(Elements& res, const Elements& t, float det)
+{
+    if constexpr (K < kSize * kSize)
+    {
+        res[K / kSize][K % kSize] = cofactor<K / kSize, K % kSize>(t) / det;
+        dividedCofactors<K + 1>(res, t, det);
+    }
+}
+
 } // namespace
 
 Kt4X4FloatMat::KtMultFunc Kt4X4FloatMat::_multfunc = &Kt4X4FloatMat::_multiply;
@@ -78,8 +159,18 @@ Kt4X4FloatMat& Kt4X4FloatMat::setDiagonal(float f)
 
 // The determinant is taken before the transposition (it is the same either
 // way); the cofactors of the transposed matrix are the adjugate's elements.
+// Frames with plain elements take the unrolled expansion, which computes
+// the same floats several times faster.
 Kt4X4FloatMat& Kt4X4FloatMat::invert()
 {
+    if (plainElements(_m))
+    {
+        float det = determinant4(_m);
+        float t[kSize][kSize];
+        _transposeMatrix(t, _m);
+        dividedCofactors(_m, t, det);
+        return *this;
+    }
     float det = _subDeterminant(Map, Map, kSize);
     transpose();
     float res[kSize][kSize];

@@ -1,6 +1,8 @@
 // The AMC reader: values and their storage, the header check, fields, and
 // every message chain.
 #include <cstdlib>
+#include <cstring>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -8,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "amc/KaAMC.h"
+#include "amc/KaScanFloat.h"
 #include "support/test_helpers.h"
 #include "toolkit/KtCancelHandler.h"
 #include "toolkit/KtCompStream.h"
@@ -61,16 +64,32 @@ std::vector<float> values(const KaAMCBone& bone)
 // A line's values are exactly what a stream's float extraction reads.
 TEST(KaAMCBone, ReadsValuesAsStreamExtractionDoes)
 {
-    for (const char* line : {"1.5 2 -3", "+2 .5 -.5e1 5.",
-                             "1.5.3",    "1-2",
-                             "1e5 1E-2", "1e",
-                             "1e+",      "-",
-                             ".",        "inf 1",
-                             "nan",      "1e39 2",
-                             "-1e39",    "1e-50 7",
-                             "0x10",     "12abc 3",
-                             "1,5",      " \t1\r",
-                             "007 -0",   "3.4028235e38"})
+    for (const char* line : {"1.5 2 -3",
+                             "+2 .5 -.5e1 5.",
+                             "1.5.3",
+                             "1-2",
+                             "1e5 1E-2",
+                             "1e",
+                             "1e+",
+                             "-",
+                             ".",
+                             "inf 1",
+                             "nan",
+                             "1e39 2",
+                             "-1e39",
+                             "1e-50 7",
+                             "0x10",
+                             "12abc 3",
+                             "1,5",
+                             " \t1\r",
+                             "007 -0",
+                             "3.4028235e38",
+                             "+-5",
+                             "1e-40 -1e-50 7e-46 7.1e-46",
+                             // ties, and ties broken past the 19th digit
+                             "1.000000059604644775390625 "
+                             "1.0000000596046447753906251 16777217",
+                             "3.4028235677973366e38 3.4028236e38"})
     {
         SCOPED_TRACE(line);
         std::istringstream reference(line);
@@ -81,6 +100,44 @@ TEST(KaAMCBone, ReadsValuesAsStreamExtractionDoes)
         KaAMCBone bone;
         bone.scanFrom(in);
         EXPECT_EQ(expected, values(bone));
+    }
+}
+
+// Short decimals take an exact shortcut, longer ones std::from_chars; both
+// must give the stream's float, bit for bit, around every boundary.
+TEST(KaScanFloat, AgreesWithStreamExtractionOnManyNumbers)
+{
+    std::mt19937 random(20240611);
+    auto digits = [&](unsigned count)
+    {
+        std::string text;
+        for (unsigned i = 0; i < count; ++i)
+            text += static_cast<char>('0' + random() % 10);
+        return text;
+    };
+    for (int i = 0; i < 200000; ++i)
+    {
+        const char* signs[] = {"", "+", "-"};
+        std::string number = signs[random() % 3];
+        number += digits(random() % 10);
+        if (random() % 2)
+            number += "." + digits(random() % 10);
+        if (random() % 3 == 0)
+            number += (random() % 2 ? "e" : "E") +
+                      std::string(random() % 2 ? "-" : "") +
+                      std::to_string(random() % 50);
+        std::istringstream reference(number);
+        float expected = 0.0f;
+        bool read = static_cast<bool>(reference >> expected) && reference.eof();
+        const char* cursor = number.c_str();
+        float value = 0.0f;
+        bool scanned = KaScanFloat(cursor, &value) && *cursor == '\0';
+        ASSERT_EQ(read, scanned) << number;
+        if (read)
+        {
+            ASSERT_EQ(std::memcmp(&expected, &value, sizeof value), 0)
+                << number << ": " << value << " instead of " << expected;
+        }
     }
 }
 
@@ -263,6 +320,75 @@ TEST(KaAMCReader, BadFieldsClearTheDocumentWithAChainNamingTheFrame)
         EXPECT_EQ(c.chain, printedChain());
         EXPECT_EQ(0, amc.numFields());
         EXPECT_EQ(0, amc.boneNames().count());
+    }
+}
+
+// Frame numbers are what a stream's int extraction reads: a failed one
+// stops the read, one at the very end of the file makes an empty field.
+TEST(KaAMCReader, ReadsFrameNumbersAsStreamIntegerExtraction)
+{
+    for (const char* number : {"7",
+                               "+7",
+                               "007",
+                               "2147483647",
+                               "-2147483648",
+                               "2147483648",
+                               "-2147483649",
+                               "99999999999999999999",
+                               "-",
+                               "+x"})
+    {
+        SCOPED_TRACE(number);
+        std::istringstream reference(number);
+        int expected = 0;
+        bool read = static_cast<bool>(reference >> expected);
+        KaAMC amc = scanned(kHeader + number + "\nroot 1\n");
+        if (read)
+        {
+            ASSERT_EQ(1, amc.numFields());
+            EXPECT_EQ(expected, amc.field(0).frameNumber());
+            EXPECT_EQ("", printedChain());
+        }
+        else
+            EXPECT_EQ(errorBlock({"Unable to read field.",
+                                  "Unable to read field number."}),
+                      printedChain());
+    }
+    KaAMC amc = scanned(kHeader + "7\nroot 1\n8");
+    ASSERT_EQ(2, amc.numFields());
+    EXPECT_EQ(8, amc.field(1).frameNumber());
+    EXPECT_EQ(0, amc.field(1).numBones());
+}
+
+// A whole motion is read in blocks; the blocks may split a frame number, a
+// name, a value line or its line end anywhere, and must not change a value.
+TEST(KaAMCReader, ReadsTheSameInBlocksAsFieldByField)
+{
+    std::string body;
+    for (int frame = 1; frame <= 3000; ++frame)
+        body += std::to_string(frame) + "\nroot " + std::to_string(frame) +
+                " 0.5 -2e-3\n  lfemur" + std::string(frame % 7, ' ') +
+                " 1.25 " + std::to_string(frame * 37 % 1000) + "\r\n";
+    for (int shift = 0; shift < 48; shift += 5)
+    {
+        SCOPED_TRACE(shift);
+        std::string text = "#" + std::string(shift, '-') + "\n" + kHeader +
+                           body + "3001\nroot 9";
+        KaAMC whole = scanned(text);
+        std::istringstream in(text);
+        ASSERT_TRUE(KaAMC::streamContainsAMC(in, nullptr, nullptr, nullptr));
+        ASSERT_EQ(3001, whole.numFields());
+        for (int f = 0; f < whole.numFields(); ++f)
+        {
+            KaAMCField field;
+            field.scanFrom(in);
+            ASSERT_EQ(field.frameNumber(), whole.field(f).frameNumber());
+            ASSERT_EQ(field.numBones(), whole.field(f).numBones());
+            for (int b = 0; b < field.numBones(); ++b)
+                ASSERT_EQ(values(field.bone(b)),
+                          values(whole.field(f).bone(b)));
+        }
+        EXPECT_FALSE(theExceptObj.exceptionOccurred());
     }
 }
 

@@ -2,9 +2,11 @@
 // stream.
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <sstream>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -100,6 +102,48 @@ TEST(Kt4X4FloatMat, InvertingARigidFrameGivesItsInverse)
         ASSERT_MATRIX_NEAR(Kt4X4FloatMat::MultiplicativeIdentity, product);
         Kt4X4FloatMat::multiply(product, frame, inverse);
         ASSERT_MATRIX_NEAR(Kt4X4FloatMat::MultiplicativeIdentity, product);
+    }
+}
+
+// Inversion has an unrolled expansion for frames of moderate elements; it
+// must give the general routines' floats bit for bit, signed zeros and
+// singular results included.
+TEST(Kt4X4FloatMat, InversionGivesTheCofactorRoutinesFloatsExactly)
+{
+    std::mt19937 random(5);
+    std::vector<Kt4X4FloatMat> matrices = {
+        Kt4X4FloatMat(), Kt4X4FloatMat(0.0f), Kt4X4FloatMat(-0.0f)};
+    // Sparse matrices sum many signed zeros.
+    const float sparse[] = {0.0f, -0.0f, 0.0f, -0.0f, 1.0f, -1.0f, 0.5f};
+    for (int trial = 0; trial < 300; ++trial)
+    {
+        matrices.push_back(randomRigidFrame(random));
+        Kt4X4FloatMat m = randomMatrix(random);
+        m[3][trial % 4] *= std::ldexp(1.0f, trial % 40 - 10); // up to 2^30
+        matrices.push_back(m);
+        for (int i = 0; i < 4; ++i)
+            for (int j = 0; j < 4; ++j)
+                if (random() % 4)
+                    m[i][j] = sparse[random() % 7];
+        matrices.push_back(m);
+    }
+    for (const Kt4X4FloatMat& m : matrices)
+    {
+        Kt4X4FloatMat general = m;
+        float det = general._subDeterminant(general.Map, general.Map, 4);
+        general.transpose();
+        Kt4X4FloatMat expected;
+        for (int i = 0; i < 4; ++i)
+            for (int j = 0; j < 4; ++j)
+                expected[i][j] =
+                    general._subCofactor(general.Map, general.Map, 4, i, j) /
+                    det;
+        Kt4X4FloatMat inverse = m;
+        inverse.invert();
+        ASSERT_EQ(0, std::memcmp(&expected, &inverse, sizeof inverse))
+            << m << "\n"
+            << inverse << "\n"
+            << expected;
     }
 }
 

@@ -1,0 +1,82 @@
+// BodyTable: the skeleton's bodies as the writers and the pose evaluation go
+// through them, and each body's values in a frame of motion.
+#pragma once
+
+#include <unordered_map>
+
+#include "toolkit/KtArray.h"
+#include "toolkit/KtStr.h"
+
+class KaAMCBone;
+class KaAMCField;
+class KaASF;
+class KaASFBone;
+class KaASFDOFGroup;
+
+// Body 0 is the root, named "root"; bodies 1 to count() - 1 are the bones in
+// bone-list order. Each carries its DOF codes, gathered once, so that no
+// frame walks the DOF lists again.
+class BodyTable
+{
+public:
+    static constexpr int kRoot = 0;
+
+    // motionNames: the bone names that the motion's fields share by
+    // position (KaAMC::boneNames), or null. A frame whose bones are named by
+    // these positions is looked up without searching; any other frame is
+    // searched with KaAMCField::findBone.
+    BodyTable(const KaASF& asf, const KtArray<KtStr>* motionNames);
+
+    int count() const { return _bodies.count(); }
+    const char* name(int body) const;
+    const KaASFDOFGroup& dofGroup(int body) const
+    {
+        return *_bodies[body].dofs;
+    }
+    // Null for the root.
+    const KaASFBone* bone(int body) const { return _bodies[body].bone; }
+    // The body a bone is placed under: its parent bone, or the root.
+    int parent(int body) const { return _bodies[body].parent; }
+    // The body of a skeleton bone (null gives -1).
+    int bodyOf(const KaASFBone* bone) const;
+
+    const int* codes(int body) const
+    {
+        return _codes.data() + _bodies[body].firstCode;
+    }
+    int numCodes(int body) const { return _bodies[body].numCodes; }
+    bool translates(int body) const { return _bodies[body].translates; }
+
+    // Looks every body's values up in the frame: values(body) is then
+    // exactly what frame.findBone(name(body)) returns, null when the frame
+    // has none. The frame must outlive the binding.
+    void bind(const KaAMCField& frame);
+    const KaAMCBone* values(int body) const { return _values[body]; }
+
+private:
+    struct Body
+    {
+        const KaASFBone* bone = nullptr;
+        const KaASFDOFGroup* dofs = nullptr;
+        int parent = kRoot;
+        int firstCode = 0;
+        int numCodes = 0;
+        bool translates = false;
+        // Where findBone would find the body's name in motionNames: the
+        // first position equal ignoring case, or -1.
+        int namePosition = -1;
+    };
+
+    void _addBody(int body,
+                  const KaASFBone* bone,
+                  const KaASFDOFGroup& dofs,
+                  int& code);
+    void _locateNames(const KtArray<KtStr>& names);
+    void _linkParents();
+
+    KtDArray<Body> _bodies;
+    KtDArray<int> _codes;
+    std::unordered_map<const KaASFBone*, int> _bodyOfBone;
+    const KtArray<KtStr>* _motionNames;
+    KtDArray<const KaAMCBone*> _values;
+};

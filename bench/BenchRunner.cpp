@@ -1,0 +1,324 @@
+// bench_run: generates the benchmark captures, times the converter against
+// the baseline on them (alternating runs, medians) and prints the table,
+// then shows how time and memory grow with the number of frames.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+constexpr double kMB = 1e6;
+
+struct Options
+{
+    std::string work = "bench-data";
+    int runs = 5;
+    long frames = 100000;
+    unsigned long seed = 1;
+    std::vector<long> growth = {10000, 100000, 1000000};
+};
+
+struct Sample
+{
+    double seconds = 0.0;    // wall time
+    double cpuSeconds = 0.0; // user and system time of the program itself
+    double peakMB = 0.0;     // maximum resident set size
+};
+
+struct Capture
+{
+    std::string variant;
+    long frames = 0;
+    std::string asf;
+    std::string amc;
+    double sizeMB = 0.0;
+};
+
+[[noreturn]] void fail(const std::string& what)
+{
+    std::fprintf(stderr, "bench_run: %s\n", what.c_str());
+    std::exit(1);
+}
+
+double fileMB(const std::string& path)
+{
+    struct stat info;
+    if (stat(path.c_str(), &info) != 0)
+        return -1.0;
+    return static_cast<double>(info.st_size) / kMB;
+}
+
+std::string loadAverage()
+{
+    char text[64] = "?";
+    if (FILE* in = std::fopen("/proc/loadavg", "r"))
+    {
+        if (!std::fgets(text, sizeof text, in))
+            std::strcpy(text, "?");
+        std::fclose(in);
+    }
+    std::string load(text);
+    // The first three fields: 1, 5 and 15 minute averages.
+    size_t end = 0;
+    for (int fields = 0; fields < 3 && end != std::string::npos; ++fields)
+        end = load.find(' ', end + 1);
+    return load.substr(0, end);
+}
+
+// Runs a program with its output streams discarded; the time is wall time
+// from start to exit, the memory the child's own peak.
+Sample run(const std::vector<std::string>& command)
+{
+    std::vector<char*> argv;
+    for (const std::string& arg : command)
+        argv.push_back(const_cast<char*>(arg.c_str()));
+    argv.push_back(nullptr);
+
+    auto start = std::chrono::steady_clock::now();
+    pid_t child = fork();
+    if (child < 0)
+        fail("cannot fork");
+    if (child == 0)
+    {
+        int null = open("/dev/null", O_WRONLY);
+        dup2(null, STDOUT_FILENO);
+        dup2(null, STDERR_FILENO);
+        execv(argv[0], argv.data());
+        _exit(127);
+    }
+    int status = 0;
+    struct rusage usage;
+    if (wait4(child, &status, 0, &usage) != child)
+        fail("cannot wait for " + command[0]);
+    auto stop = std::chrono::steady_clock::now();
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        fail(command[0] + " failed on " + command[command.size() - 2]);
+    Sample sample;
+    sample.seconds = std::chrono::duration<double>(stop - start).count();
+    sample.cpuSeconds =
+        static_cast<double>(usage.ru_utime.tv_sec) +
+        static_cast<double>(usage.ru_stime.tv_sec) +
+        (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * 1e-6;
+    sample.peakMB = static_cast<double>(usage.ru_maxrss) * 1024.0 / kMB;
+    return sample;
+}
+
+// Captures are kept between runs of the benchmark: the name holds every
+// parameter, and the generator writes under a temporary name first.
+Capture capture(const Options& options, const std::string& variant, long frames)
+{
+    Capture c;
+    c.variant = variant;
+    c.frames = frames;
+    std::string stem = options.work + "/" + variant + "-" +
+                       std::to_string(frames) + "-seed" +
+                       std::to_string(options.seed);
+    c.asf = stem + ".asf";
+    c.amc = stem + ".amc";
+    if (fileMB(c.amc) <= 0.0 || fileMB(c.asf) <= 0.0)
+    {
+        std::printf("generating %s ...\n", c.amc.c_str());
+        std::fflush(stdout);
+        std::string asfTemp = c.asf + ".part";
+        std::string amcTemp = c.amc + ".part";
+        run({GENERATE_BIN,
+             variant,
+             std::to_string(frames),
+             std::to_string(options.seed),
+             asfTemp,
+             amcTemp});
+        if (std::rename(asfTemp.c_str(), c.asf.c_str()) != 0 ||
+            std::rename(amcTemp.c_str(), c.amc.c_str()) != 0)
+            fail("cannot rename the generated files");
+    }
+    c.sizeMB = fileMB(c.amc);
+    return c;
+}
+
+Sample convert(const Options& options, const Capture& c)
+{
+    std::string out = options.work + "/out-" + c.variant;
+    return run(
+        {MOTBAKE_BIN, "-f", c.asf, c.amc, "30", out + ".mel", out + ".mov"});
+}
+
+Sample baseline(const Options& options, const Capture& c)
+{
+    return run({BASELINE_BIN,
+                c.amc,
+                options.work + "/out-" + c.variant + ".baseline"});
+}
+
+// The median time and the median peak, each taken on its own.
+Sample median(std::vector<Sample> samples)
+{
+    auto middle = [&](auto field)
+    {
+        std::vector<double> values;
+        for (const Sample& s : samples)
+            values.push_back(s.*field);
+        std::sort(values.begin(), values.end());
+        size_t n = values.size();
+        return n % 2 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2;
+    };
+    Sample m;
+    m.seconds = middle(&Sample::seconds);
+    m.cpuSeconds = middle(&Sample::cpuSeconds);
+    m.peakMB = middle(&Sample::peakMB);
+    return m;
+}
+
+void printRow(const char* program, const Capture& c, const Sample& s)
+{
+    std::printf("  %-12s %-9s %9.1f %10.3f %9.3f %9.1f %9.1f %8.2f\n",
+                c.variant.c_str(),
+                program,
+                c.sizeMB,
+                s.seconds,
+                s.cpuSeconds,
+                c.sizeMB / s.seconds,
+                s.peakMB,
+                s.peakMB / c.sizeMB);
+}
+
+void compare(const Options& options)
+{
+    std::vector<Capture> captures = {
+        capture(options, "standard", options.frames),
+        capture(options, "translating", options.frames)};
+    std::vector<std::vector<Sample>> converter(captures.size());
+    std::vector<std::vector<Sample>> base(captures.size());
+    std::string loadBefore = loadAverage();
+    // Alternating, so that a change in the machine's load touches all.
+    for (int r = 0; r < options.runs; ++r)
+        for (size_t i = 0; i < captures.size(); ++i)
+        {
+            converter[i].push_back(convert(options, captures[i]));
+            base[i].push_back(baseline(options, captures[i]));
+        }
+
+    std::printf("\n%ld frames, seed %lu, %d alternating runs each; "
+                "load average %s before, %s after\n\n",
+                options.frames,
+                options.seed,
+                options.runs,
+                loadBefore.c_str(),
+                loadAverage().c_str());
+    std::printf("  %-12s %-9s %9s %10s %9s %9s %9s %8s\n",
+                "motion",
+                "program",
+                "input MB",
+                "median s",
+                "cpu s",
+                "MB/s",
+                "peak MB",
+                "peak/in");
+    const double timeTargets[] = {1.0, 1.3};
+    std::vector<double> ratios;
+    std::vector<double> cpuRatios;
+    for (size_t i = 0; i < captures.size(); ++i)
+    {
+        Sample c = median(converter[i]);
+        Sample b = median(base[i]);
+        printRow("motbake", captures[i], c);
+        printRow("baseline", captures[i], b);
+        ratios.push_back(c.seconds / b.seconds);
+        cpuRatios.push_back(c.cpuSeconds / b.cpuSeconds);
+    }
+    std::printf("\n");
+    for (size_t i = 0; i < captures.size(); ++i)
+        std::printf("  %-12s motbake/baseline time %.2f (target %.1f), "
+                    "cpu %.2f\n",
+                    captures[i].variant.c_str(),
+                    ratios[i],
+                    timeTargets[i],
+                    cpuRatios[i]);
+}
+
+void growth(const Options& options)
+{
+    std::printf(
+        "\ngrowth, motbake -f on the standard motion (one run each)\n\n");
+    std::printf("  %10s %9s %10s %9s %9s %10s\n",
+                "frames",
+                "input MB",
+                "seconds",
+                "cpu s",
+                "peak MB",
+                "us/frame");
+    for (long frames : options.growth)
+    {
+        Capture c = capture(options, "standard", frames);
+        Sample s = convert(options, c);
+        std::printf("  %10ld %9.1f %10.3f %9.3f %9.1f %10.2f\n",
+                    frames,
+                    c.sizeMB,
+                    s.seconds,
+                    s.cpuSeconds,
+                    s.peakMB,
+                    s.seconds * 1e6 / static_cast<double>(frames));
+        std::fflush(stdout);
+    }
+}
+
+std::vector<long> frameList(const char* text)
+{
+    std::vector<long> list;
+    for (const char* p = text; *p;)
+    {
+        char* end = nullptr;
+        long n = std::strtol(p, &end, 10);
+        if (end == p || n < 1)
+            fail(std::string("bad frame list: ") + text);
+        list.push_back(n);
+        p = *end == ',' ? end + 1 : end;
+    }
+    return list;
+}
+
+Options parse(int argc, char** argv)
+{
+    Options options;
+    for (int i = 1; i < argc; ++i)
+    {
+        std::string arg = argv[i];
+        bool hasValue = i + 1 < argc;
+        if (arg == "--work" && hasValue)
+            options.work = argv[++i];
+        else if (arg == "--runs" && hasValue)
+            options.runs = std::max(1, std::atoi(argv[++i]));
+        else if (arg == "--frames" && hasValue)
+            options.frames = std::max(1L, std::atol(argv[++i]));
+        else if (arg == "--seed" && hasValue)
+            options.seed = std::strtoul(argv[++i], nullptr, 10);
+        else if (arg == "--growth" && hasValue)
+            options.growth = frameList(argv[++i]);
+        else if (arg == "--no-growth")
+            options.growth.clear();
+        else
+            fail("usage: bench_run [--work DIR] [--runs N] [--frames N] "
+                 "[--seed N] [--growth N,N,...] [--no-growth]");
+    }
+    return options;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Options options = parse(argc, argv);
+    mkdir(options.work.c_str(), 0777);
+    compare(options);
+    growth(options);
+    return 0;
+}

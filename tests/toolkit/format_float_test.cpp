@@ -1,0 +1,142 @@
+// KtFormatFloat: printf's "%g" text for every kind of float, and when a
+// stream's insertion gives the same text.
+#include <cfloat>
+#include <cmath>
+#include <limits>
+#include <locale>
+#include <sstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "support/float_samples.h"
+#include "toolkit/KtFormatFloat.h"
+
+namespace
+{
+
+std::string formatted(float value)
+{
+    char text[kKtFloatTextSize];
+    return std::string(text, KtFormatFloat(text, value));
+}
+
+// Counts the values whose text differs from printf's, showing the first few.
+class PrintfComparison
+{
+public:
+    void operator()(float value)
+    {
+        for (float signed_ : {value, -value})
+        {
+            char expected[64];
+            int length = referenceFloatText(expected, signed_);
+            std::string text = formatted(signed_);
+            ++_checked;
+            if (text != std::string(expected, static_cast<size_t>(length)) &&
+                ++_mismatches <= 5)
+                ADD_FAILURE() << std::hexfloat << signed_ << ": " << text
+                              << " instead of " << expected;
+        }
+    }
+    long checked() const { return _checked; }
+    long mismatches() const { return _mismatches; }
+
+private:
+    long _checked = 0;
+    long _mismatches = 0;
+};
+
+struct CommaDecimal : std::numpunct<char>
+{
+    char do_decimal_point() const override { return ','; }
+};
+
+} // namespace
+
+TEST(KtFormatFloat, WritesPrintfsSixDigitForms)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float inf = std::numeric_limits<float>::infinity();
+    const struct
+    {
+        float value;
+        const char* text;
+    } cases[] = {
+        {0.0f, "0"},
+        {-0.0f, "-0"},
+        {1.0f, "1"},
+        {0.1f, "0.1"},
+        {-2.5f, "-2.5"},
+        {1.0f / 30.0f, "0.0333333"},
+        {100000.0f, "100000"},
+        {999999.0f, "999999"},
+        {999999.5f, "1e+06"}, // the carry moves it to exponent form
+        {1e6f, "1e+06"},
+        {1234565.0f, "1.23456e+06"}, // exact ties go to the even digit
+        {1234575.0f, "1.23458e+06"},
+        {1.015625f, "1.01562"},
+        {0.0001f, "0.0001"},
+        {0.00001f, "1e-05"},
+        {0.000123456f, "0.000123456"},
+        {FLT_MAX, "3.40282e+38"},
+        {FLT_MIN, "1.17549e-38"},
+        {-FLT_MIN, "-1.17549e-38"},
+        {FLT_TRUE_MIN, "1.4013e-45"},
+        {inf, "inf"},
+        {-inf, "-inf"},
+        {nan, "nan"},
+        {-nan, "-nan"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.text, formatted(c.value)) << std::hexfloat << c.value;
+}
+
+// The exhaustive check over all 2^32 floats runs in the benchmark (make
+// verify-format); here every tie, the neighbourhood of every power of ten,
+// and an even spread over all bit patterns, subnormals and NaNs included.
+TEST(KtFormatFloat, MatchesPrintfOnTiesPowersOfTenAndASpreadOfAllFloats)
+{
+    PrintfComparison compare;
+    forEachFloatTie([&](float value) { compare(value); });
+    forEachFloatNearPowerOfTen(16, [&](float value) { compare(value); });
+    constexpr uint32_t kStride = 2053; // odd, so every low bit pattern occurs
+    for (uint32_t bits = 0; bits < 0x80000000u - kStride; bits += kStride)
+        compare(floatFromBits(bits));
+    for (uint32_t bits = 1; bits < 0x800000u; bits += 97) // subnormals
+        compare(floatFromBits(bits));
+    EXPECT_GT(compare.checked(), 6000000);
+    EXPECT_EQ(0, compare.mismatches());
+}
+
+TEST(KtStreamFormatsFloatsByDefault, OnlyTheDefaultStateQualifies)
+{
+    const struct
+    {
+        const char* state;
+        void (*change)(std::ostream&);
+        bool qualifies;
+    } cases[] = {
+        {"default", [](std::ostream&) {}, true},
+        {"precision 7", [](std::ostream& s) { s.precision(7); }, false},
+        {"fixed", [](std::ostream& s) { s << std::fixed; }, false},
+        {"scientific", [](std::ostream& s) { s << std::scientific; }, false},
+        {"showpos", [](std::ostream& s) { s << std::showpos; }, false},
+        {"showpoint", [](std::ostream& s) { s << std::showpoint; }, false},
+        {"uppercase", [](std::ostream& s) { s << std::uppercase; }, false},
+        {"width 9", [](std::ostream& s) { s.width(9); }, false},
+        {"boolalpha and hex",
+         [](std::ostream& s) { s << std::boolalpha << std::hex; },
+         true},
+        {"decimal comma",
+         [](std::ostream& s)
+         { s.imbue(std::locale(s.getloc(), new CommaDecimal)); },
+         false},
+    };
+    for (const auto& c : cases)
+    {
+        std::ostringstream out;
+        c.change(out);
+        EXPECT_EQ(c.qualifies, KtStreamFormatsFloatsByDefault(out)) << c.state;
+    }
+}

@@ -1,0 +1,266 @@
+// KtFormatFloat: six significant digits of a float, rounded exactly with
+// integer arithmetic, laid out as printf's "%g" lays them out.
+#include "toolkit/KtFormatFloat.h"
+
+#include <cstdint>
+#include <cstring>
+#include <locale>
+#include <ostream>
+
+namespace
+{
+
+using Wide = unsigned __int128;
+
+constexpr int kDigits = 6;
+constexpr uint32_t kOneMillion = 1000000;
+constexpr uint32_t kLeastSixDigits = 100000;
+// "%g" switches to exponent form below 1e-4 and from 1e6 (the precision) on.
+constexpr int kLeastFixedExponent = -4;
+
+// A float is m * 2^e with m below 2^24 and e from -149 to 104. Scaling it to
+// six digits multiplies by 10^s with s from -34 to 50.
+constexpr int kMaxFivePower = 50;
+constexpr int kMaxTenPower = 38;
+
+template <int N>
+struct Powers
+{
+    Wide value[N + 1];
+};
+
+template <int N>
+constexpr Powers<N> powers(unsigned base)
+{
+    Powers<N> table{};
+    table.value[0] = 1;
+    for (int i = 1; i <= N; ++i)
+        table.value[i] = table.value[i - 1] * base;
+    return table;
+}
+
+constexpr Powers<kMaxFivePower> kFive = powers<kMaxFivePower>(5);
+constexpr Powers<kMaxTenPower> kTen = powers<kMaxTenPower>(10);
+
+// floor(b * log10(2)) for the binary exponents of floats; the constant is
+// log10(2) * 2^32, close enough that no exponent in range lands on the
+// wrong side of an integer.
+int floorLog10OfPowerOfTwo(int b)
+{
+    constexpr int64_t kLog10Of2 = 1292913986;
+    if (b >= 0)
+        return static_cast<int>((b * kLog10Of2) >> 32);
+    return -static_cast<int>((-b * kLog10Of2 + (int64_t(1) << 32) - 1) >> 32);
+}
+
+int bitLength(uint32_t m)
+{
+    return 32 - __builtin_clz(m);
+}
+
+// m * 2^e * 10^s split exactly into its integer part and what the rest of
+// it is worth for rounding.
+enum class Rest
+{
+    kZero,
+    kBelowHalf,
+    kHalf,
+    kAboveHalf
+};
+
+struct Scaled
+{
+    uint64_t whole;
+    Rest rest;
+};
+
+template <class T>
+Rest classify(T rest, T half)
+{
+    if (rest == 0)
+        return Rest::kZero;
+    return rest < half ? Rest::kBelowHalf
+                       : (rest == half ? Rest::kHalf : Rest::kAboveHalf);
+}
+
+// The usual magnitudes (1e-3 to 1e5) need 64 bits only: m * 5^s stays below
+// 2^64 for s up to 17.
+constexpr int kMaxNarrowFivePower = 17;
+
+Scaled scale(uint32_t m, int e, int s)
+{
+    if (s >= 0)
+    {
+        // 10^s = 5^s * 2^s: the product by 5^s is exact, the power of two
+        // a shift.
+        int shift = e + s;
+        if (s <= kMaxNarrowFivePower && shift > -64)
+        {
+            uint64_t product = m * static_cast<uint64_t>(kFive.value[s]);
+            if (shift >= 0)
+                return {product << shift, Rest::kZero};
+            uint64_t whole = product >> -shift;
+            return {whole,
+                    classify(product - (whole << -shift),
+                             uint64_t(1) << (-shift - 1))};
+        }
+        Wide product = m * kFive.value[s];
+        if (shift >= 0)
+            return {static_cast<uint64_t>(product << shift), Rest::kZero};
+        Wide whole = product >> -shift;
+        return {static_cast<uint64_t>(whole),
+                classify(product - (whole << -shift), Wide(1) << (-shift - 1))};
+    }
+    Wide numerator = Wide(m) << (e > 0 ? e : 0);
+    Wide denominator = kTen.value[-s] << (e < 0 ? -e : 0);
+    Wide whole = numerator / denominator;
+    Wide rest = numerator - whole * denominator;
+    // rest / denominator against one half, without halving.
+    return {static_cast<uint64_t>(whole), classify(2 * rest, denominator)};
+}
+
+// The same value at one decimal digit less: the dropped digit and the rest
+// below it decide the new rest.
+Scaled dropDigit(Scaled scaled)
+{
+    int digit = static_cast<int>(scaled.whole % 10);
+    Rest rest = Rest::kAboveHalf;
+    if (digit == 0 && scaled.rest == Rest::kZero)
+        rest = Rest::kZero;
+    else if (digit < 5)
+        rest = Rest::kBelowHalf;
+    else if (digit == 5 && scaled.rest == Rest::kZero)
+        rest = Rest::kHalf;
+    return {scaled.whole / 10, rest};
+}
+
+// "00" to "99".
+struct DigitPairs
+{
+    char text[200];
+};
+
+constexpr DigitPairs digitPairs()
+{
+    DigitPairs pairs{};
+    for (int i = 0; i < 100; ++i)
+    {
+        pairs.text[2 * i] = static_cast<char>('0' + i / 10);
+        pairs.text[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}
+
+constexpr DigitPairs kDigitPairs = digitPairs();
+
+void writePair(char* out, uint32_t pair)
+{
+    std::memcpy(out, &kDigitPairs.text[2 * pair], 2);
+}
+
+// Copies are made in whole blocks of this size (one machine move each);
+// the text that follows overwrites what a block adds past the digits.
+constexpr int kCopyBlock = 8;
+
+char* writeExponent(char* out, int exponent)
+{
+    *out++ = 'e';
+    *out++ = exponent < 0 ? '-' : '+';
+    // Float exponents stay below 100, and printf writes at least two digits.
+    writePair(out, static_cast<uint32_t>(exponent < 0 ? -exponent : exponent));
+    return out + 2;
+}
+
+// The six digits of n (100000 to 999999) laid out for the decimal exponent
+// of their first digit, without trailing zeros.
+char* layOut(char* out, uint32_t n, int exponent)
+{
+    char digits[kDigits + kCopyBlock] = {};
+    writePair(digits, n / 10000);
+    writePair(digits + 2, n / 100 % 100);
+    writePair(digits + 4, n % 100);
+    int count = kDigits;
+    while (digits[count - 1] == '0') // n has a first digit that is not 0
+        --count;
+
+    if (exponent < kLeastFixedExponent || exponent >= kDigits)
+    {
+        out[0] = digits[0];
+        out[1] = '.';
+        std::memcpy(out + 2, digits + 1, kCopyBlock);
+        // A single digit goes without its point.
+        out += count > 1 ? count + 1 : 1;
+        return writeExponent(out, exponent);
+    }
+    if (exponent < 0)
+    {
+        std::memcpy(out, "0.000", 5);
+        out += 1 - exponent; // "0." and the zeros after the point
+        std::memcpy(out, digits, kCopyBlock);
+        return out + count;
+    }
+    int integerDigits = exponent + 1;
+    std::memcpy(out, digits, kCopyBlock);
+    if (count <= integerDigits)
+        return out + integerDigits;
+    out[integerDigits] = '.';
+    std::memcpy(out + integerDigits + 1, digits + integerDigits, kCopyBlock);
+    return out + count + 1;
+}
+
+} // namespace
+
+char* KtFormatFloat(char* out, float value)
+{
+    uint32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    uint32_t fraction = bits & 0x7fffff;
+    int biased = static_cast<int>((bits >> 23) & 0xff);
+    if (bits >> 31)
+        *out++ = '-';
+    if (biased == 0xff)
+    {
+        std::memcpy(out, fraction ? "nan" : "inf", 3);
+        return out + 3;
+    }
+    if (biased == 0 && fraction == 0)
+    {
+        *out++ = '0';
+        return out;
+    }
+
+    uint32_t m = biased ? fraction | 0x800000 : fraction;
+    int e = biased ? biased - 150 : -149;
+    int exponent = floorLog10OfPowerOfTwo(e + bitLength(m) - 1);
+    Scaled scaled = scale(m, e, kDigits - 1 - exponent);
+    // The estimate may be one short: m * 2^e may reach the next power of ten
+    // within its binary power of two.
+    if (scaled.whole >= kOneMillion)
+    {
+        scaled = dropDigit(scaled);
+        ++exponent;
+    }
+
+    auto n = static_cast<uint32_t>(scaled.whole);
+    if (scaled.rest == Rest::kAboveHalf ||
+        (scaled.rest == Rest::kHalf && (n & 1)))
+        ++n;
+    if (n == kOneMillion) // 999999.5 and up round to the next power of ten
+    {
+        n = kLeastSixDigits;
+        ++exponent;
+    }
+    return layOut(out, n, exponent);
+}
+
+bool KtStreamFormatsFloatsByDefault(const std::ostream& out)
+{
+    constexpr std::ios_base::fmtflags kAltering =
+        std::ios_base::floatfield | std::ios_base::showpos |
+        std::ios_base::showpoint | std::ios_base::uppercase;
+    if ((out.flags() & kAltering) || out.precision() != kDigits ||
+        out.width() != 0)
+        return false;
+    const auto& punctuation = std::use_facet<std::numpunct<char>>(out.getloc());
+    return punctuation.decimal_point() == '.' && punctuation.grouping().empty();
+}
