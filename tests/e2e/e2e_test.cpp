@@ -103,8 +103,8 @@ TEST(Motbake, ConvertsTheExampleExactlyAsBefore)
     EXPECT_EQ(kBanner + reading(asf) + reading(amc) + writing(mel) +
                   writing(mov),
               run.out);
-    EXPECT_EQ(readFile(GOLDEN_DIR "/walk.mel"), readFile(mel));
-    EXPECT_EQ(readFile(GOLDEN_DIR "/walk.mov"), readFile(mov));
+    EXPECT_EQ(readFile(EXAMPLES_DIR "/expected/walk.mel"), readFile(mel));
+    EXPECT_EQ(readFile(EXAMPLES_DIR "/expected/walk.mov"), readFile(mov));
 }
 
 // The benchmark's two kinds of capture, short: every value of the MOV file
@@ -116,7 +116,7 @@ TEST(Motbake, ConvertsTheBenchmarkCapturesExactlyAsBefore)
     {
         SCOPED_TRACE(variant);
         TempDir dir;
-        std::string golden = GOLDEN_DIR "/" + variant;
+        std::string golden = BENCH_GOLDEN_DIR "/" + variant;
         std::string mel = dir.file(variant + ".mel");
         std::string mov = dir.file(variant + ".mov");
         RunResult run = runMotbake(
