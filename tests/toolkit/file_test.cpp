@@ -91,4 +91,5 @@ TEST(KtPathCheck, NamesThePathAndTheFirstFailingTest)
             "")
             << c.path;
     }
+    chmod(dir.path().c_str(), 0755); // so that it can be removed
 }
