@@ -1,7 +1,5 @@
 // The rest frames of a bone: its axis rotation, placed at the end of its
 // parent bone in the parent's orientation.
-#include <cmath>
-
 #include <gtest/gtest.h>
 
 #include "asf/KaASFBone.h"
@@ -14,80 +12,58 @@ namespace
 
 constexpr float kQuarterTurn = 1.5707963267948966f;
 
-KaASFBone boneWithAxis(float x, float y, float z)
+// A bone whose axis turns it about x, in XYZ order.
+KaASFBone boneTurnedAboutX(float angle)
 {
     KaASFBone bone;
     KtArray<float> angles(3);
-    angles[0] = x;
-    angles[1] = y;
-    angles[2] = z;
+    angles[0] = angle;
     bone.setAxis(angles);
     KtArray<int> order(3);
-    order[0] = 1;
-    order[1] = 2;
-    order[2] = 3;
+    for (int k = 0; k < 3; ++k)
+        order[k] = k + 1;
     bone.setAxisOrder(order);
     return bone;
 }
 
-// A frame with the given rows (the last one the translation).
-KtCoordSystem frame(const float (&rows)[4][3])
+Kt4X4FloatMat product(const Kt4X4FloatMat& a, const Kt4X4FloatMat& b)
 {
-    KtCoordSystem cs;
-    for (int i = 0; i < 4; ++i)
-        for (int j = 0; j < 3; ++j)
-            cs[i][j] = rows[i][j];
-    return cs;
+    Kt4X4FloatMat m;
+    Kt4X4FloatMat::multiply(m, a, b);
+    return m;
 }
 
 } // namespace
 
-TEST(KaGetComposedBoneMatrices, RootAttachedBoneWithoutAxisIsTheIdentity)
+// The axis frame is the bone's own turn A; the placed frame is A times the
+// parent's frame, its translation row replaced (not added to) by the end of
+// the parent bone in the parent's orientation: with row vectors the offset
+// (2, 0, 0) turned a quarter about z is (0, 2, 0). A bone hanging from the
+// root has no offset.
+TEST(KaGetComposedBoneMatrices, PlacesTheBoneAtTheEndOfItsParent)
 {
-    KaASFBone bone = boneWithAxis(0, 0, 0);
-    KtCoordSystem axis;
-    KtCoordSystem placed;
-    axis[3][0] = placed[3][1] = 9.0f; // both outputs are overwritten
-    KaGetComposedBoneMatrices(&axis, &placed, bone, KtCoordSystem());
-    EXPECT_MATRIX_NEAR(Kt4X4FloatMat(), axis);
-    EXPECT_MATRIX_NEAR(Kt4X4FloatMat(), placed);
-}
-
-TEST(KaGetComposedBoneMatrices, ChildStartsAtTheEndOfItsParentBone)
-{
-    KaASFBone parent = boneWithAxis(0, 0, 0);
+    KaASFBone parent = boneTurnedAboutX(0);
     parent.setDirection(KtPoint(1, 0, 0));
     parent.setLength(2.0f);
-    KaASFBone child = boneWithAxis(0, 0, kQuarterTurn);
+    KaASFBone child = boneTurnedAboutX(0.3f);
     child.setParent(&parent);
-
-    KtCoordSystem axis;
-    KtCoordSystem placed;
-    KaGetComposedBoneMatrices(&axis, &placed, child, KtCoordSystem());
-    // The child's own quarter turn about z, in rows: x -> y, y -> -x.
-    EXPECT_MATRIX_NEAR(frame({{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {0, 0, 0}}),
-                       axis);
-    EXPECT_MATRIX_NEAR(frame({{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {2, 0, 0}}),
-                       placed);
-}
-
-TEST(KaGetComposedBoneMatrices, OffsetTurnsWithTheParentAndDropsItsTranslation)
-{
-    KaASFBone parent = boneWithAxis(0, 0, 0);
-    parent.setDirection(KtPoint(1, 0, 0));
-    parent.setLength(2.0f);
-    KaASFBone child = boneWithAxis(0, 0, 0);
-    child.setParent(&parent);
-    // The parent's frame: a quarter turn about z, moved to (5, 6, 7).
-    KtCoordSystem parentFrame =
-        frame({{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {5, 6, 7}});
-
-    KtCoordSystem axis;
-    KtCoordSystem placed;
-    KaGetComposedBoneMatrices(&axis, &placed, child, parentFrame);
-    EXPECT_MATRIX_NEAR(Kt4X4FloatMat(), axis);
-    // Row vectors: (2, 0, 0) times the turn is (0, 2, 0); the translation
-    // row is replaced, so (5, 6, 7) is not in it.
-    EXPECT_MATRIX_NEAR(frame({{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {0, 2, 0}}),
-                       placed);
+    const Kt4X4FloatMat turn = rotationMatrix(0, 0.3f);
+    const Kt4X4FloatMat quarter = rotationMatrix(2, kQuarterTurn);
+    const Kt4X4FloatMat moved = product(quarter, translationMatrix(5, 6, 7));
+    // clang-format off
+    const struct { const KaASFBone* bone; Kt4X4FloatMat parentFrame, axis, placed; } cases[] = {
+        {&parent, Kt4X4FloatMat(), Kt4X4FloatMat(), Kt4X4FloatMat()},
+        {&parent, moved, Kt4X4FloatMat(), quarter},
+        {&child, Kt4X4FloatMat(), turn, product(turn, translationMatrix(2, 0, 0))},
+        {&child, moved, turn, product(product(turn, quarter), translationMatrix(0, 2, 0))}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        KtCoordSystem axis;
+        KtCoordSystem placed;
+        axis[3][0] = placed[3][1] = 9.0f; // both outputs are overwritten
+        KaGetComposedBoneMatrices(&axis, &placed, *c.bone, c.parentFrame);
+        EXPECT_MATRIX_NEAR(c.axis, axis) << "case " << &c - cases;
+        EXPECT_MATRIX_NEAR(c.placed, placed) << "case " << &c - cases;
+    }
 }

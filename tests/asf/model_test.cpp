@@ -89,12 +89,18 @@ TEST(KaASF, HandsOutTheSmallestFreeBoneId)
 }
 // clang-format on
 
+// A copy is deep, even one set from the group's own list.
 TEST(KaASFDOFGroup, FindsDOFsAndFollowsGroupReferences)
 {
     KaASFDOFGroup arm = groupOf("arm", {kDofRX, kDofRY, kDofRZ});
     EXPECT_EQ(2, arm.dofIndex(kDofRZ));
     EXPECT_EQ(-1, arm.dofIndex(kDofTX));
     EXPECT_EQ(nullptr, arm.limits(kDofTX));
+    KaASFDOFGroup copy(arm);
+    copy.setDOFs(copy.dofs());
+    copy.limits(kDofRY)->upper = 1.0f;
+    EXPECT_EQ(1, copy.dofIndex(kDofRY));
+    EXPECT_EQ(kInf, arm.limits(kDofRY)->upper);
     arm.limits(kDofRY)->upper = 2.0f;
     // A bone's DOF refers to "shoulder", whose DOF refers to "arm".
     KaASFDOFGroup shoulder("shoulder");
@@ -122,18 +128,6 @@ TEST(KaASFDOFGroup, FindsDOFsAndFollowsGroupReferences)
     EXPECT_EQ(7.0f, circling.limits().lower);
 }
 
-TEST(KaASFDOFGroup, CopiesDeeplyEvenFromItsOwnList)
-{
-    KaASFDOFGroup original = groupOf("g", {kDofTX, kDofRX});
-    KaASFDOFGroup copy(original);
-    copy.limits(kDofRX)->upper = 1.0f;
-    EXPECT_EQ(kInf, original.limits(kDofRX)->upper);
-    KtList<KaASFDOF*> own = copy.dofs();
-    copy.setDOFs(own);
-    EXPECT_EQ(1, copy.dofIndex(kDofRX));
-    EXPECT_EQ(1.0f, copy.limits(kDofRX)->upper);
-}
-
 TEST(KaASF, FindsBonesByNameIgnoringCaseAndById)
 {
     KaASF skeleton;
@@ -147,6 +141,10 @@ TEST(KaASF, FindsBonesByNameIgnoringCaseAndById)
     first->setName("hip");
     EXPECT_EQ(first, skeleton.findBone("HIP"));
     EXPECT_EQ(8, skeleton.findBone("lfemur")->id());
+    // Groups, unlike bones, are found by their exact name.
+    skeleton.addDOFGroup(groupOf("Arm", {kDofRX}));
+    EXPECT_EQ(nullptr, skeleton.findDOFGroup("arm"));
+    EXPECT_NE(nullptr, skeleton.findDOFGroup("Arm"));
 }
 
 TEST(KaASF, CopiesDeeplyAndRepointsLinksAndGroups)
@@ -180,9 +178,12 @@ TEST(KaASF, CopiesDeeplyAndRepointsLinksAndGroups)
     }
 }
 
+// Removing groups, or clearing the document (which keeps its header and
+// root), leaves each DOF that used a group with that group's limits.
 TEST(KaASF, RemovedGroupsLeaveTheirLimitsWithTheDOFsThatUsedThem)
 {
     KaASF skeleton;
+    skeleton.header().name = "walker";
     KaASFDOFGroup* arm = skeleton.addDOFGroup(groupOf("arm", {kDofRX}));
     KaASFDOFGroup* leg = skeleton.addDOFGroup(groupOf("leg", {kDofRY}));
     arm->limits(kDofRX)->lower = -0.5f;
@@ -191,6 +192,7 @@ TEST(KaASF, RemovedGroupsLeaveTheirLimitsWithTheDOFsThatUsedThem)
     elbow->dofGroup().addDOF(KaASFDOF(kDofRX, arm));
     elbow->dofGroup().addDOF(KaASFDOF(kDofRY, leg));
     skeleton.root().dofGroup().addDOF(KaASFDOF(kDofRY, leg));
+    KaASF cleared(skeleton);
 
     skeleton.removeDOFGroup("arm");
     EXPECT_EQ(nullptr, skeleton.findDOFGroup("arm"));
@@ -201,21 +203,10 @@ TEST(KaASF, RemovedGroupsLeaveTheirLimitsWithTheDOFsThatUsedThem)
     EXPECT_EQ(0, skeleton.dofGroups().count());
     EXPECT_FALSE(skeleton._bonesUseGroupDOFs());
     EXPECT_EQ(0.25f, elbow->dofGroup().limits(kDofRY)->upper);
-    EXPECT_EQ(0.25f, skeleton.root().dofGroup().limits(kDofRY)->upper);
-}
 
-TEST(KaASF, ClearingKeepsTheHeaderAndTheRoot)
-{
-    KaASF skeleton;
-    skeleton.header().name = "walker";
-    KaASFDOFGroup* group = skeleton.addDOFGroup(groupOf("g", {kDofTX}));
-    group->limits(kDofTX)->upper = 3.0f;
-    skeleton.root().dofGroup().addDOF(KaASFDOF(kDofTX, group));
-    skeleton.addBone(boneNamed("hip"));
-    skeleton._clear();
-    EXPECT_EQ(nullptr, skeleton.findBone("hip"));
-    EXPECT_EQ(0, skeleton.numBones() + skeleton.dofGroups().count());
-    EXPECT_STREQ("walker", skeleton.header().name.text());
-    EXPECT_EQ(nullptr, firstDOF(skeleton.root().dofGroup())->group());
-    EXPECT_EQ(3.0f, firstDOF(skeleton.root().dofGroup())->limits().upper);
+    cleared._clear();
+    EXPECT_EQ(0, cleared.numBones() + cleared.dofGroups().count());
+    EXPECT_STREQ("walker", cleared.header().name.text());
+    EXPECT_EQ(nullptr, firstDOF(cleared.root().dofGroup())->group());
+    EXPECT_EQ(0.25f, cleared.root().dofGroup().limits(kDofRY)->upper);
 }

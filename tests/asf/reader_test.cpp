@@ -1,9 +1,8 @@
 // The skeleton reader: every section's messages with their line numbers and
 // place in the chain, unit conversions, bone ids, internal files with DOF
-// groups, files on disk and input that must not bring the reader down.
-#include <cmath>
+// groups and files on disk. Damaged and hostile input have tests of their
+// own.
 #include <cstdlib>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,7 +12,6 @@
 #include "asf/KaASF.h"
 #include "support/test_helpers.h"
 #include "toolkit/KtCancelHandler.h"
-#include "toolkit/KtCompStream.h"
 #include "toolkit/KtError.h"
 
 namespace
@@ -84,58 +82,6 @@ const KaASFDOF* dofAt(const KaASFDOFGroup& group, int i)
 {
     return *group.dofs()[i];
 }
-
-// A skeleton as a capture studio writes it: comments, blank lines, odd
-// indentation, CRLF line ends, units in degrees, limits over several lines.
-const char* const kHuman = R"ASF(# Written by hand for the tests
-:version 1.10
-:name Walker
-:units
-  mass 2.0
-  length 0.5   # half units
-  angle deg
-:documentation
-   A small walker.
-   Legs   only,   for tests.
-:root
-   order TX TY TZ RZ RY RX
-   axis zyx
-   position 1 2 3
-   orientation 0 90 180
-:bonedata
-  begin
-     id 1
-     name hip
-     direction 0 -1 0
-     length 4
-     axis 0 0 90 XYZ
-  end
-  begin
-     name knee
-     direction 0 -1 0
-     length 8
-     axis 0 0 0 XYZ
-    dof rx ry
-    limits (-90.0, 10.0)
-           (-inf inf)
-  end
-
-  begin
-     id 7
-     name foot
-     direction 0.5 0 0.5
-     length 2
-     axis 0 0 0 XYZ
-    dof rz
-  end
-:hierarchy
-  begin
-    root hip
-    hip knee
-    knee foot
-  end
-:skin body.skn
-)ASF";
 
 } // namespace
 
@@ -238,25 +184,20 @@ TEST(KaASFReader, ReportsBoneDataErrorsInOrder)
     });
 }
 
-// Lines 1-3 hold the header and ":dofgroups".
+// Lines 1-3 hold the header and ":dofgroups". The messages that groups share
+// with bone data come from the same checks, given the section's name: one of
+// each check is enough here.
 TEST(KaASFReader, ReportsDOFGroupErrors)
 {
     const std::string section = kInternal + ":dofgroups\n";
     const std::string named = section + "  begin name g\n";
     expectChains("Unable to read :dofgroups section.", {
-        {section + "  end\n", 4, "Unexpected 'end' encountered in :dofgroups section."},
-        {section + "  name g\n", 4, "Data specified outside of begin/end pair in :dofgroups section."},
         {named + "  begin\n", 5, "Expected 'end' keyword in :dofgroups section."},
         {section + "  begin\n  end\n", 5, "Name undefined in :dofgroups section."},
         {named + "  name h\n", 5, "Duplicate name specification in :dofgroups section."},
         {section + "  begin dof rx\n", 4, "Dof defined before name in :dofgroups section."},
-        {named + "  dof rx dof ry\n", 5, "Duplicate dof specification in :dofgroups section."},
-        {named + "  dof rx limits (0 1) dof ry\n", 5, "Limits defined before dof in :dofgroups section."},
         {named + "  dof rx rx\n", 5, "Unable to read dof in :dofgroups section.", "Line 5:  Dof 'rx' specified more than once."},
         {named + "  limits (0 1)\n", 5, "Limits defined without the definition of dof in :dofgroups section."},
-        {named + "  dof rx limits (0 1) limits\n", 5, "Duplicate limits specification in :dofgroups section."},
-        {named + "  dof rx limits (0 q)\n", 5, "Invalid value for upper limit in :dofgroups section.", kInvalidNumber},
-        {named + "  dof rx limits (1 0)\n", 5, "Lower limit greater than upper limit in :dofgroups section."},
         {named + "  dof rx limits (0 1) (0 1)\n", 5, "Too many limits specified in :dofgroups section."},
         {named + "  weight 3\n", 5, "Unexpected 'weight' encountered in :dofgroups section."},
     });
@@ -293,100 +234,59 @@ TEST(KaASFReader, ReportsHierarchyErrors)
 }
 // clang-format on
 
-TEST(KaASFReader, ReadsARealisticSkeleton)
-{
-    std::string crlf;
-    for (char c : std::string(kHuman))
-        crlf += c == '\n' ? "\r\n" : std::string(1, c);
-    KaASF skeleton;
-    EXPECT_EQ("", chainOf(crlf, &skeleton));
-
-    const KaASFHeader& header = skeleton.header();
-    EXPECT_FLOAT_EQ(1.1f, header.version);
-    EXPECT_STREQ("Walker", header.name.text());
-    EXPECT_EQ(2.0f, header.massFactor);
-    EXPECT_EQ(1, header.angleUnit);
-    // Separators and comments are gone; a line's first word follows a blank.
-    EXPECT_STREQ("A small walker.\n Legs only for tests.",
-                 header.documentation.text());
-
-    const KaASFRoot& root = skeleton.root();
-    EXPECT_EQ(6, root.dofGroup().numDOFs());
-    EXPECT_EQ(3, root.dofGroup().dofIndex(kDofRZ));
-    EXPECT_EQ(3, root.axisOrder()[0]);
-    EXPECT_EQ(3.0f, root.position().z); // positions keep their unit
-    EXPECT_EQ(1.5707964f, root.orientation()[1]);
-    EXPECT_EQ(3.1415927f, root.orientation()[2]);
-
-    ASSERT_EQ(3, skeleton.numBones());
-    KaASFBone* hip = skeleton.findBone("HIP");
-    KaASFBone* knee = skeleton.findBone("knee");
-    KaASFBone* foot = skeleton.findBone("foot");
-    EXPECT_EQ(8.0f, hip->length());
-    EXPECT_EQ(1.5707964f, hip->axis()[2]);
-    EXPECT_EQ(2, knee->id()); // the smallest id free at the end
-    EXPECT_EQ(nullptr, hip->parent());
-    EXPECT_EQ(hip, knee->parent());
-    EXPECT_EQ(knee, foot->parent());
-    EXPECT_EQ(foot, knee->firstChild());
-    // Degrees convert to radians, infinite limits like any other.
-    EXPECT_EQ(-1.5707964f, knee->dofGroup().limits(kDofRX)->lower);
-    EXPECT_EQ(0.17453292f, knee->dofGroup().limits(kDofRX)->upper);
-    EXPECT_FLOAT_EQ(-5.939048e36f, knee->dofGroup().limits(kDofRY)->lower);
-    EXPECT_EQ(kInf, foot->dofGroup().limits(kDofRZ)->upper);
-    ASSERT_EQ(1, skeleton.skinFiles().count());
-    EXPECT_STREQ("body.skn", skeleton.skinFiles()[0].text());
-}
-
+// The length unit divides the bone lengths; infinite limits in radians stay
+// as they are. A new read starts afresh: no units carry over.
 TEST(KaASFReader, ConvertsUnitsOnlyWhereTheyApply)
 {
     KaASF skeleton;
     EXPECT_EQ("",
               chainOf(kVersion + ":units length 2.0\n:bonedata\n" +
-                          "  begin name a direction 0 1 0 length 10 axis 0 0 "
-                          "0 XYZ dof rx ty limits (-inf 10) (0 inf) end\n" +
-                          ":units angle deg\n:bonedata\n" +
-                          bone("b", "dof ty limits (-1 1)"),
+                          bone("a", "dof rx limits (-inf 10)"),
                       &skeleton));
-    const KaASFDOFGroup& a = skeleton.findBone("a")->dofGroup();
-    EXPECT_EQ(5.0f, skeleton.findBone("a")->length());
-    EXPECT_EQ(-kInf, a.limits(kDofRX)->lower);
-    EXPECT_EQ(10.0f, a.limits(kDofRX)->upper);
-    EXPECT_EQ(kInf, a.limits(kDofTY)->upper);
-    EXPECT_EQ(1.0f, skeleton.findBone("b")->dofGroup().limits(kDofTY)->upper);
-    // A new read starts afresh: no units carry over.
+    EXPECT_EQ(0.5f, skeleton.findBone("a")->length());
+    EXPECT_EQ(-kInf, skeleton.findBone("a")->dofGroup().limits(kDofRX)->lower);
     EXPECT_EQ("", chainOf(kVersion + ":bonedata\n" + bone("c"), &skeleton));
     EXPECT_EQ(1.0f, skeleton.findBone("c")->length());
-    EXPECT_EQ(0, skeleton.header().angleUnit);
 }
 
-TEST(KaASFReader, AcceptsIdAndNameAfterAnythingButADirection)
-{
-    KaASF skeleton;
-    EXPECT_EQ("",
-              chainOf(kVersion + ":bonedata\n  begin name a length 1 "
-                                 "bodymass 3 dof rx id 4 "
-                                 "direction 0 0 1 axis 0 0 0 XYZ end\n",
-                      &skeleton));
-    EXPECT_EQ(4, skeleton.findBone("a")->id());
-    EXPECT_EQ(3.0f, skeleton.findBone("a")->bodyMass());
-}
-
-TEST(KaASFReader, GivesMissingIdsAtTheEnd)
+// "id" and "name" are refused only once a direction was given. A bone
+// without an id gets the smallest free one when the file ends; -1 becomes 0.
+TEST(KaASFReader, TakesIdsBeforeADirectionFillsTheGapsAndLinksTheBones)
 {
     auto withId = [](const char* id, const char* name)
     { return "  begin id " + std::string(id) + bone(name).substr(7); };
     KaASF skeleton;
     EXPECT_EQ("",
               chainOf(kVersion + ":bonedata\n" + bone("a") + withId("3", "b") +
-                          bone("c") + withId("-1", "d") + withId("1", "e"),
+                          bone("c") + withId("-1", "d") + withId("1", "e") +
+                          "  begin name f length 1 bodymass 3 dof rx id 6 "
+                          "direction 0 0 1 axis 0 0 0 XYZ end\n" +
+                          ":hierarchy\n  begin\n    root a\n    a b c\n" +
+                          "    b d\n  end\n",
                       &skeleton));
     std::vector<int> ids;
     for (const KaASFBone* b : skeleton.bones())
         ids.push_back(b->id());
-    EXPECT_EQ((std::vector<int>{2, 3, 4, 0, 1}), ids);
+    EXPECT_EQ((std::vector<int>{2, 3, 4, 0, 1, 6}), ids);
+    EXPECT_EQ(3.0f, skeleton.findBone("f")->bodyMass());
+    // The first child named after a bone on each line; bones that the
+    // hierarchy leaves out hang from the root.
+    EXPECT_EQ(skeleton.findBone("b"), skeleton.findBone("a")->firstChild());
+    EXPECT_EQ(skeleton.findBone("d"), skeleton.findBone("b")->firstChild());
+    KtList<KaASFBone*> children;
+    skeleton.getChildBonesOfRoot(&children);
+    skeleton.getChildBonesOfBone(&children, 2);
+    std::string names;
+    for (const KaASFBone* child : children)
+        names += child->name().text();
+    EXPECT_EQ("aefbc", names);
+    EXPECT_EQ(1, skeleton.numBonesWithDOF());
 }
 
+// Group names are found ignoring case, also by later groups; the limits
+// pair goes to the bone's own DOF (tz, a translation, so not converted);
+// the others report their groups' limits, in radians. An empty selection
+// after other DOFs passes.
 TEST(KaASFReader, ReadsGroupsAndReferencesInInternalFiles)
 {
     KaASF skeleton;
@@ -398,32 +298,29 @@ TEST(KaASFReader, ReadsGroupsAndReferencesInInternalFiles)
                           bone("a", "dof tz arm < rx > twist limits (-1 1)") +
                           bone("b", "dof arm arm < > rz"),
                       &skeleton));
-    EXPECT_EQ(1, skeleton.header().asfInternal);
     KaASFDOFGroup* arm = skeleton.findDOFGroup("Arm");
-    ASSERT_EQ(2, skeleton.dofGroups().count());
-    EXPECT_EQ(1.5707964f, arm->limits(kDofRX)->upper);
     EXPECT_EQ(arm, dofAt(skeleton.root().dofGroup(), 2)->group());
-
-    // The limits pair goes to the bone's own DOF (tz, a translation, so not
-    // converted); the others report their groups' limits.
     const KaASFDOFGroup& a = skeleton.findBone("a")->dofGroup();
-    ASSERT_EQ(3, a.numDOFs());
     EXPECT_EQ(1.0f, a.limits(kDofTZ)->upper);
-    EXPECT_EQ(arm, dofAt(a, 1)->group());
+    EXPECT_EQ(1.5707964f, a.limits(kDofRX)->upper);
     EXPECT_EQ(skeleton.findDOFGroup("twist"), dofAt(a, 2)->group());
     EXPECT_EQ(-1.5707964f, dofAt(a, 2)->limits().lower);
-    // A whole group, then an empty selection after it passes.
     EXPECT_EQ(3, skeleton.findBone("b")->dofGroup().numDOFs());
 }
 
+// A name of 51 characters or more is kept, with a warning.
 TEST(KaASFReader, KeepsALongNameWithAWarning)
 {
-    KaASF skeleton;
-    std::string name(60, 'n');
-    EXPECT_EQ(
-        warningBlock({"Line 2:  :name data exceeds limit of 50 characters."}),
-        chainOf(kVersion + ":name " + name + "\n", &skeleton));
-    EXPECT_EQ(name, skeleton.header().name.text());
+    const std::string warning =
+        warningBlock({"Line 2:  :name data exceeds limit of 50 characters."});
+    for (int length : {50, 51})
+    {
+        KaASF skeleton;
+        std::string name(length, 'n');
+        EXPECT_EQ(length > 50 ? warning : "",
+                  chainOf(kVersion + ":name " + name + "\n", &skeleton));
+        EXPECT_EQ(name, skeleton.header().name.text());
+    }
 }
 
 TEST(KaASFReader, EndsSectionsAtTheEndOfTheFile)
@@ -477,44 +374,23 @@ TEST(KaASFReader, ReadsAChain100000BonesDeep)
         chainOf(text + "    b99999 b0\n  end\n", &skeleton));
 }
 
-// Damaged copies of a good file give a skeleton or an error, never a crash
-// (the sanitizers watch), and a failed read leaves no bones behind.
-TEST(KaASFReader, SurvivesDamagedInput)
-{
-    std::mt19937 random(20240531);
-    for (int round = 0; round < 400; ++round)
-    {
-        std::string text = kHuman;
-        for (int damage = 1 + random() % 8; damage > 0; --damage)
-        {
-            size_t at = random() % text.size();
-            if (damage % 3 == 0)
-                text[at] = static_cast<char>(random() % 256);
-            else if (damage % 3 == 1)
-                text.erase(at, random() % 20);
-            else
-                text.insert(at, text.substr(random() % text.size(), 30));
-        }
-        KaASF skeleton;
-        std::istringstream in(text);
-        skeleton.scanFrom(in);
-        EXPECT_TRUE(!theExceptObj.errorOccurred() || skeleton.numBones() == 0);
-        theExceptObj.clear();
-    }
-}
-
+// Files are read through the compressed stream: "walk.asf" stands for
+// "walk.asf.gz". Every failure names the file. A stream's header is
+// detected alone.
 TEST(KaASFReader, ReadsFilesAndSaysWhichOneFailed)
 {
     TempDir dir;
     const std::string good = dir.file("walk.asf");
     const std::string bad = dir.file("bad.asf");
     const std::string missing = dir.file("none.asf");
-    writeFile(good, kHuman);
+    const std::string text = kInternal + ":bonedata\n" + bone("a") + bone("b");
+    writeFile(good, text);
+    ASSERT_EQ(0, std::system(("gzip " + good).c_str()));
     writeFile(bad, kVersion + ":bogus\n");
     KaASF skeleton;
     skeleton.read(good.c_str());
     EXPECT_EQ("", printedChain());
-    EXPECT_EQ(3, skeleton.numBones());
+    EXPECT_EQ(2, skeleton.numBones());
     EXPECT_EQ(1, KaASF::fileContainsASF(good.c_str()));
 
     skeleton.read(bad.c_str());
@@ -529,45 +405,15 @@ TEST(KaASFReader, ReadsFilesAndSaysWhichOneFailed)
                           "File does not contain ASF data.",
                           "File does not contain the ':version' keyword."}),
               printedChain());
+    int internal = -1;
+    float version = 0.0f;
+    std::istringstream in(text);
+    EXPECT_EQ(1, KaASF::streamContainsASF(in, &internal, &version));
+    EXPECT_EQ(1, internal);
+    EXPECT_FLOAT_EQ(1.1f, version);
     EXPECT_EQ(0, KaASF::fileContainsASF(missing.c_str()));
     EXPECT_EQ(errorBlock({("Unable to open '" + missing + "'.").c_str(),
                           ("Unable to read \"" + missing + "\".").c_str(),
                           "File does not exist."}),
               printedChain());
-}
-
-TEST(KaASFReader, DetectsTheHeaderOfAStream)
-{
-    int internal = -1;
-    float version = 0.0f;
-    std::istringstream in(kInternal + ":name x\n");
-    EXPECT_EQ(1, KaASF::streamContainsASF(in, &internal, &version));
-    EXPECT_EQ(1, internal);
-    EXPECT_FLOAT_EQ(1.1f, version);
-    std::istringstream plain(":version 2\n:name x\n");
-    EXPECT_EQ(1, KaASF::streamContainsASF(plain, &internal, nullptr));
-    EXPECT_EQ(0, internal);
-}
-
-TEST(KaASFReader, ReadsACompressedSkeleton)
-{
-    TempDir dir;
-    const std::string plain = dir.file("walk.asf");
-    writeFile(plain, kHuman);
-    if (std::system(("gzip -q " + plain).c_str()) != 0)
-        GTEST_SKIP() << "gzip is not available";
-    const std::string packed = plain + ".gz";
-    {
-        KtCompIFStream probe;
-        probe.open(packed.c_str());
-        std::string all((std::istreambuf_iterator<char>(probe)), {});
-        if (!probe.compressed())
-            GTEST_SKIP() << "this build's streams do not decompress";
-    }
-    KaASF skeleton;
-    skeleton.read(packed.c_str());
-    EXPECT_EQ("", printedChain());
-    EXPECT_EQ(3, skeleton.numBones());
-    EXPECT_EQ(1, KaASF::fileContainsASF(plain.c_str())); // finds walk.asf.gz
-    EXPECT_EQ("", printedChain());
 }

@@ -72,6 +72,27 @@ testing::AssertionResult geometryNearFormat(const char* expectedText,
     return testing::AssertionSuccess();
 }
 
+// The elementary matrices as the frames' conventions draw them (row vectors):
+// translation in row 3; the rotation about axis 0 (X), 1 (Y) or 2 (Z) turns
+// the next axis toward the one after it.
+inline Kt4X4FloatMat translationMatrix(float x, float y, float z)
+{
+    Kt4X4FloatMat e;
+    e.setRow(3, Kt4X4FloatMat::KtRow({x, y, z, 1.0f}));
+    return e;
+}
+
+inline Kt4X4FloatMat rotationMatrix(int axis, float angle)
+{
+    int p = (axis + 1) % 3;
+    int q = (axis + 2) % 3;
+    Kt4X4FloatMat e;
+    e[p][p] = e[q][q] = std::cos(angle);
+    e[p][q] = std::sin(angle);
+    e[q][p] = -std::sin(angle);
+    return e;
+}
+
 #define EXPECT_POINT_NEAR(expected, actual)                                    \
     EXPECT_PRED_FORMAT2(geometryNearFormat, expected, actual)
 #define EXPECT_MATRIX_NEAR(expected, actual)                                   \

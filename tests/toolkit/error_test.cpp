@@ -1,84 +1,59 @@
-// Error reporting: the chain, its printed layout and the word wrapper.
-#include <sstream>
+// Error reporting: the chain, its printed layout and the word wrapper; and
+// the cancel check, which reports through it.
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "support/test_helpers.h"
+#include "toolkit/KtCancelHandler.h"
 #include "toolkit/KtError.h"
 
-TEST(KtCheckException, NothingPendingPrintsNothing)
+TEST(KtCheckException, PrintsTheChainHeadFirstAndClearsIt)
 {
-    EXPECT_EQ("", printedChain());
     StreamCapture err(std::cerr);
-    EXPECT_EQ(0, KtCheckException());
-}
-
-TEST(KtCheckException, PrintsAnErrorChainHeadFirstAndClearsIt)
-{
+    EXPECT_EQ(0, KtCheckException()); // nothing pending, nothing printed
     KtError("File does not exist.");
     KtError("Unable to read \"%s\".", "walk.amc");
-    StreamCapture err(std::cerr);
     EXPECT_NE(0, KtCheckException());
-    EXPECT_EQ("\n\nERROR: Unable to read \"walk.amc\".\n"
-              "       File does not exist.\n\n",
-              err.text());
-    EXPECT_FALSE(theExceptObj.exceptionOccurred());
-}
-
-TEST(KtCheckException, WarningsIndentByNineAndLetTheRunGoOn)
-{
-    KtWarning("Bone \"%s\" has dofs in the ASF, but not in the AMC.", "lhand");
-    KtWarning("Bone \"root\" has %d dofs in the ASF, but the AMC specifies %d.",
-              6,
-              3);
-    StreamCapture err(std::cerr);
+    // A warning lets the run go on. Every record is wrapped and indented by
+    // the head's kind.
+    const std::string a60(60, 'a');
+    KtError("%s", (a60 + " " + std::string(20, 'b')).c_str());
+    KtWarning("line one\nline two");
     EXPECT_EQ(0, KtCheckException());
-    EXPECT_EQ(
-        warningBlock(
-            {"Bone \"root\" has 6 dofs in the ASF, but the AMC specifies 3.",
-             "Bone \"lhand\" has dofs in the ASF, but not in the AMC."}),
-        err.text());
+    EXPECT_EQ("\n\nERROR: Unable to read \"walk.amc\".\n"
+              "       File does not exist.\n\n"
+              "\n\nWARNING: line one\n         line two\n         " +
+                  a60 + "\n         " + std::string(20, 'b') + "\n\n",
+              err.text());
 }
 
+// The head's kind alone decides the layout, the verdict and whether a
+// context message goes on top.
 TEST(KtCheckException, OnlyTheHeadsKindDecides)
 {
     KtError("older error");
     KtWarning("newer warning");
-    EXPECT_TRUE(theExceptObj.warningOccurred());
-    EXPECT_FALSE(theExceptObj.errorOccurred());
-    EXPECT_EQ(warningBlock({"newer warning", "older error"}), printedChain());
-
+    EXPECT_TRUE(theExceptObj.warningOccurred() &&
+                !theExceptObj.errorOccurred());
+    StreamCapture err(std::cerr);
+    EXPECT_EQ(0, KtCheckException("Unable to save \"%s\".", "a.mel"));
     KtWarning("older warning");
     KtError("newer error");
-    EXPECT_TRUE(theExceptObj.errorOccurred());
-    EXPECT_EQ(errorBlock({"newer error", "older warning"}), printedChain());
-}
-
-TEST(KtCheckException, ContextIsAddedOnlyOverAnError)
-{
-    KtWarning("just a warning");
-    {
-        StreamCapture err(std::cerr);
-        EXPECT_EQ(0, KtCheckException("Unable to save \"%s\".", "a.mel"));
-        EXPECT_EQ(warningBlock({"just a warning"}), err.text());
-    }
-    KtError("The cause.");
-    StreamCapture err(std::cerr);
     EXPECT_NE(0, KtCheckException("Unable to save \"%s\".", "a.mel"));
-    EXPECT_EQ(errorBlock({"Unable to save \"a.mel\".", "The cause."}),
-              err.text());
+    EXPECT_EQ(
+        warningBlock({"newer warning", "older error"}) +
+            errorBlock(
+                {"Unable to save \"a.mel\".", "newer error", "older warning"}),
+        err.text());
 }
 
-TEST(KtError, APercentInAnArgumentIsPrintedAsItStands)
+// A file name may hold '%' and be of any length.
+TEST(KtError, ArgumentsAreNeitherReinterpretedNorCut)
 {
     KtError("Unable to read \"%s\".", "100%s_%d%n.amc");
     EXPECT_EQ(errorBlock({"Unable to read \"100%s_%d%n.amc\"."}),
               printedChain());
-}
-
-TEST(KtError, LongMessagesAreKeptWhole)
-{
     std::string path(3000, 'p');
     KtError("Unable to read \"%s\".", path.c_str());
     EXPECT_EQ("\n\nERROR: Unable to read\n       \"" + path + "\".\n\n",
@@ -99,91 +74,66 @@ TEST(KtError, FatalModeAbortsOnErrorsOnly)
         "");
 }
 
-TEST(KtExcept, CopiesTheWholeChainDeeply)
-{
-    KtError("first");
-    KtError("second");
-    KtExceptionHandler copy(theExceptObj);
-    theExceptObj.clear();
-    ASSERT_TRUE(copy.exception());
-    EXPECT_STREQ("second", copy.exception()->message().text());
-    ASSERT_TRUE(copy.exception()->hasDetail());
-    EXPECT_STREQ("first", copy.exception()->detail()->message().text());
-
-    KtExcept assigned;
-    assigned = *copy.exception();
-    assigned.extend("after");
-    assigned.preExtend("before");
-    EXPECT_STREQ("before\nsecond\nafter", assigned.message().text());
-    EXPECT_STREQ("second", copy.exception()->message().text());
-}
-
-TEST(KtExceptionHandler, ExtendingChangesTheHeadRecordOnly)
+// Extending changes the head's text only; copies keep the chain as it was.
+TEST(KtExcept, CopiesAreDeepAndExtendingChangesTheHeadOnly)
 {
     theExceptObj.extendException("nothing pending: %d", 1);
     EXPECT_FALSE(theExceptObj);
-    theExceptObj.setAsError("head %d", 1);
+    KtError("first");
+    theExceptObj.setAsError("second %d", 2);
+    KtExceptionHandler copy(theExceptObj);
+    KtExcept assigned;
+    assigned = *copy.exception();
     theExceptObj.extendException("more");
     theExceptObj.preExtendException("less");
-    EXPECT_EQ("\n\nERROR: less\n       head 1\n       more\n\n",
+    EXPECT_EQ("\n\nERROR: less\n       second 2\n       more\n       first\n\n",
               printedChain());
-}
-
-TEST(KtGetExceptionStr, RendersThePrintedLayout)
-{
-    KtError("cause");
-    KtError("context");
+    assigned.extend("after");
     KtStr text;
-    KtGetExceptionStr(&text, *theExceptObj.exception());
-    EXPECT_EQ(errorBlock({"context", "cause"}), text.text());
+    KtGetExceptionStr(&text, assigned);
+    EXPECT_EQ("\n\nERROR: second 2\n       after\n       first\n\n",
+              std::string(text));
+    KtGetExceptionStr(&text, *copy.exception());
+    EXPECT_EQ(errorBlock({"second 2", "first"}), text.text());
 }
 
-// Compares the wrapped text, not the pointers.
-#define EXPECT_WRAP(expected, wrapped)                                         \
-    EXPECT_EQ(std::string(expected), std::string(wrapped))
-
-TEST(KtWrapString, BreaksAtTheLastBlankPastTheWidth)
+TEST(KtWrapString, BreaksAtTheLastBlankOnceTheWidthIsPassed)
 {
-    std::string seventy(70, 'x');
-    EXPECT_WRAP(seventy, KtWrapString(seventy.c_str(), 70, 8).text());
-    std::string words = std::string(65, 'a') + " bcde";
-    EXPECT_WRAP(words, KtWrapString(words.c_str(), 70, 8).text());
-    words += "f";
-    EXPECT_WRAP(std::string(65, 'a') + "\nbcdef",
-                KtWrapString(words.c_str(), 70, 8).text());
+    const std::string a65(65, 'a');
+    const std::string w90(90, 'w');
+    // clang-format off
+    const struct { std::string text; int width; std::string wrapped; } cases[] = {
+        {std::string(70, 'x'), 70, std::string(70, 'x')},
+        {a65 + " bcde", 70, a65 + " bcde"},
+        {a65 + " bcdef", 70, a65 + "\nbcdef"},
+        // A long word runs on; blanks after a break go, those before stay.
+        {w90 + "   end", 70, w90 + "\nend"},
+        {"ab cd   ef", 7, "ab cd  \nef"},
+        {"one\ntwo", 70, "one\ntwo"},
+        // A width break right before a newline gives one break only.
+        {"abcd \nef", 4, "abcd\nef"},
+        // No break point since the line start: the newline stays as it is.
+        {"\nabc", 70, "\nabc"},
+        // A tab advances to the next multiple of the tab width.
+        {"a\tb", 8, "a\nb"}, {"a\tb", 9, "a\tb"}};
+    // clang-format on
+    for (const auto& c : cases)
+        EXPECT_EQ(c.wrapped,
+                  std::string(KtWrapString(c.text.c_str(), c.width, 8)))
+            << c.text;
 }
 
-TEST(KtWrapString, LongWordsRunOnAndBlanksAreDropped)
+TEST(KtCancelHandler, CancelsOnlyWhenTheCallbackAsks)
 {
-    std::string longWord(90, 'w');
-    EXPECT_WRAP(longWord + "\nend",
-                KtWrapString((longWord + "   end").c_str(), 70, 8).text());
-    // The line keeps the blanks before the break; the next loses its own.
-    EXPECT_WRAP("ab cd  \nef", KtWrapString("ab cd   ef", 7, 8).text());
-}
-
-TEST(KtWrapString, NewlinesAndTabs)
-{
-    EXPECT_WRAP("one\ntwo", KtWrapString("one\ntwo", 70, 8).text());
-    // A width break right before a newline gives one break only.
-    EXPECT_WRAP("abcd\nef", KtWrapString("abcd \nef", 4, 8).text());
-    // No break point since the line start: the newline stays as it is.
-    EXPECT_WRAP("\nabc", KtWrapString("\nabc", 70, 8).text());
-    // A tab advances to the next multiple of the tab width.
-    EXPECT_WRAP("a\nb", KtWrapString("a\tb", 8, 8).text());
-    EXPECT_WRAP("a\tb", KtWrapString("a\tb", 9, 8).text());
-}
-
-TEST(KtPrintException, WrapsAndIndentsEveryRecordByTheHeadsKind)
-{
-    std::string longText = std::string(60, 'a') + " " + std::string(20, 'b');
-    KtError("%s", longText.c_str());
-    KtWarning("%s", "line one\nline two");
-    std::ostringstream out;
-    KtPrintException(out, *theExceptObj.exception());
-    EXPECT_EQ("\n\nWARNING: line one\n         line two\n"
-              "         " +
-                  std::string(60, 'a') + "\n         " + std::string(20, 'b') +
-                  "\n\n",
-              out.str());
+    EXPECT_EQ(0, KtCancelHandler::checkCancel()); // nothing installed
+    int answer = 0;
+    KtCancelHandler::_proc = [](void* data)
+    { return *static_cast<int*>(data); };
+    KtCancelHandler::_data = &answer;
+    EXPECT_EQ(0, KtCancelHandler::checkCancel());
+    answer = 7;
+    EXPECT_EQ(1, KtCancelHandler::checkCancel());
+    KtCancelHandler::_proc = nullptr;
+    KtCancelHandler::_data = nullptr;
+    EXPECT_EQ(errorBlock({"Canceled."}), printedChain());
 }

@@ -2,7 +2,6 @@
 // where the arguments themselves are checked, against small stand-in tools.
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <glob.h>
 #include <string>
 #include <sys/stat.h>
@@ -37,16 +36,12 @@ std::string readAll(std::istream& in)
     return text;
 }
 
-std::string pipeDirectory()
+// The traditional place where it exists, else /tmp.
+std::string pipePath(const std::string& stem)
 {
     struct stat info;
     bool traditional = stat("/usr/tmp", &info) == 0 && S_ISDIR(info.st_mode);
-    return traditional ? "/usr/tmp" : "/tmp";
-}
-
-std::string pipePath(const char* stem, int instance)
-{
-    return pipeDirectory() + "/" + stem + std::to_string(instance) + "." +
+    return (traditional ? "/usr/tmp/" : "/tmp/") + stem + "." +
            std::to_string(getpid());
 }
 
@@ -54,34 +49,11 @@ std::string pipePath(const char* stem, int instance)
 std::size_t leftoverPipes()
 {
     glob_t found;
-    std::string pattern = pipePath("comp*stream", 0);
-    pattern.replace(pattern.rfind("0."), 1, "*");
-    glob(pattern.c_str(), 0, nullptr, &found);
+    glob(pipePath("comp*stream*").c_str(), 0, nullptr, &found);
     std::size_t count = found.gl_pathc;
     globfree(&found);
     return count;
 }
-
-// Silences the commands' own complaints on standard error.
-class QuietStderr
-{
-public:
-    QuietStderr()
-        : _saved(dup(2))
-    {
-        int null = open("/dev/null", O_WRONLY);
-        dup2(null, 2);
-        close(null);
-    }
-    ~QuietStderr()
-    {
-        dup2(_saved, 2);
-        close(_saved);
-    }
-
-private:
-    int _saved;
-};
 
 // Every case runs in a fresh folder under a watchdog (a hang ends the test)
 // and must leave no pipe and no child process behind.
@@ -119,16 +91,24 @@ protected:
         rename(file("packed.tmp").c_str(), file(name).c_str());
         return file(name);
     }
-    // A stand-in for a command, first in PATH, that prints its arguments.
-    void fakeTool(const std::string& name)
+    // A stand-in for a command, first in PATH; by default it prints its
+    // arguments.
+    void fakeTool(const std::string& name,
+                  const std::string& script =
+                      "for a in \"$@\"; do printf '[%s]' \"$a\"; done")
     {
         mkdir(file("bin").c_str(), 0755);
-        writeFile(
-            file("bin/" + name),
-            "#!/bin/sh\nfor a in \"$@\"; do printf '[%s]' \"$a\"; done\n");
+        writeFile(file("bin/" + name), "#!/bin/sh\n" + script + "\n");
         chmod(file("bin/" + name).c_str(), 0755);
         setenv("PATH", (file("bin") + ":" + _savedPath).c_str(), 1);
     }
+
+    // Silences the commands' own complaints on standard error.
+    struct Quiet
+    {
+        Quiet() { testing::internal::CaptureStderr(); }
+        ~Quiet() { testing::internal::GetCapturedStderr(); }
+    };
 
     TempDir _dir;
     std::string _savedPath;
@@ -137,83 +117,69 @@ protected:
 
 } // namespace
 
-TEST_F(CompStream, ReadsEachCompressionThroughItsCommand)
+// Both ways through the system's own tools. Two output streams at once:
+// neither command may hold the other's pipe open. Tiny data that does not
+// shrink is complete as well.
+TEST_F(CompStream, RoundTripsEachCompressionThroughTheSystemTools)
 {
-    std::string text = motionText();
-    for (auto [name, tool] : {std::pair{"walk.amc.gz", "gzip -9"},
-                              std::pair{"walk.amc.Z", "compress"}})
+    const std::string text = motionText();
+    // clang-format off
+    const struct { const char* extension; const char* pack; const char* unpack; int compressed; } tools[] = {
+        {".gz", "gzip -9", "gzip -dc", 1}, {".Z", "compress", "uncompress -c", 1}, {".mov", "cat", "cat", 0}};
+    // clang-format on
+    for (const auto& tool : tools)
     {
+        SCOPED_TRACE(tool.extension);
+        const std::string name = std::string("walk") + tool.extension;
         KtCompIFStream in;
-        in.open(compressed(name, tool, text).c_str());
-        ASSERT_TRUE(in.is_open()) << name << printedChain();
-        EXPECT_EQ(1, in.compressed());
-        EXPECT_TRUE(readAll(in) == text) << name;
+        in.open(compressed(name, tool.pack, text).c_str());
+        EXPECT_EQ(tool.compressed, in.compressed());
+        EXPECT_TRUE(readAll(in) == text) << printedChain();
+
+        KtCompOFStream out, tiny;
+        out.open(file("out" + name).c_str());
+        tiny.open(file("tiny" + name).c_str());
+        ASSERT_TRUE(out.is_open() && tiny.is_open()) << printedChain();
+        out << text;
+        tiny << "x";
+        out.close();
+        tiny.close();
+        EXPECT_TRUE(out.good() && tiny.good());
+        run(std::string(tool.unpack) + " <" + file("out" + name) + " >" +
+            file("back") + " && " + tool.unpack + " <" + file("tiny" + name) +
+            " >>" + file("back"));
+        EXPECT_TRUE(readFile(file("back")) == text + "x");
     }
 }
 
-TEST_F(CompStream, JpegGoesThroughDjpegWithItsFlags)
-{
-    fakeTool("djpeg");
-    KtCompIFStream in;
-    writeFile(file("scan.jpeg"), "");
-    in.open(file("scan.jpeg").c_str());
-    EXPECT_EQ("[-gsi][" + file("scan.jpeg") + "]", readAll(in));
-
-    // Today's djpeg may refuse the flags: the data then just ends.
-    setenv("PATH", _savedPath.c_str(), 1);
-    QuietStderr quiet;
-    KtCompIFStream real;
-    run("printf 'P5 2 2 255 abcd' | cjpeg >" + file("real.jpeg"));
-    real.open(file("real.jpeg").c_str());
-    EXPECT_TRUE(real.is_open());
-    EXPECT_EQ(1, real.compressed());
-    readAll(real);
-    EXPECT_TRUE(real.eof());
-}
-
-TEST_F(CompStream, ResolvesAMissingNameToItsCompressedSibling)
-{
-    struct Case
-    {
-        bool plain, gz, z;
-        const char* expected;
-        int compressed;
-    } cases[] = {{false, true, false, "gz", 1},
-                 {false, true, true, "gz", 1},
-                 {false, false, true, "Z", 1},
-                 {true, true, true, "plain", 0}};
-    for (const Case& c : cases)
-    {
-        TempDir dir;
-        std::string walk = dir.file("walk.amc");
-        if (c.plain)
-            writeFile(walk, "plain");
-        if (c.gz)
-            run("printf gz | gzip >" + walk + ".gz");
-        if (c.z)
-            // compress exits 2 when the data did not shrink.
-            run("printf Z | compress >" + walk + ".Z; test -s " + walk + ".Z");
-        KtCompIFStream in;
-        in.open(walk.c_str());
-        EXPECT_EQ(c.compressed, in.compressed()) << c.expected;
-        EXPECT_EQ(c.expected, readAll(in));
-    }
-}
-
-TEST_F(CompStream, ReadsNamesWithoutARecognisedEndingAsPlainFiles)
+// Only a known ending after at least one character (case matters) is read
+// through a command; a name that does not exist stands for its ".gz"
+// sibling, else its ".Z" one.
+TEST_F(CompStream, DecidesByTheNameAndFindsCompressedSiblings)
 {
     chdir(_dir.path().c_str());
-    for (const char* name : {"x.GZ", ".gz", ".Z", "x.z", "x.jpg", "x.gz.txt"})
+    auto opened = [](const char* name)
     {
-        writeFile(name, "plain text\n");
         KtCompIFStream in;
         in.open(name);
-        EXPECT_EQ(0, in.compressed()) << name;
-        EXPECT_EQ("plain text\n", readAll(in)) << name;
+        return std::to_string(in.compressed()) + " " + readAll(in);
+    };
+    for (const char* name : {"x.GZ", ".gz", ".Z", "x.z", "x.jpg", "x.gz.txt"})
+    {
+        writeFile(name, "plain");
+        EXPECT_EQ("0 plain", opened(name)) << name;
     }
+    // compress exits 2 when the data did not shrink.
+    run("printf Z | compress >walk.amc.Z; test -s walk.amc.Z");
+    EXPECT_EQ("1 Z", opened("walk.amc"));
+    run("printf gz | gzip >walk.amc.gz");
+    EXPECT_EQ("1 gz", opened("walk.amc"));
+    writeFile("walk.amc", "plain");
+    EXPECT_EQ("0 plain", opened("walk.amc"));
 }
 
-TEST_F(CompStream, FileNamesReachTheCommandAsOneArgument)
+// No name can reach a shell; a leading '-' cannot pass for an option.
+TEST_F(CompStream, CommandsGetTheirFlagAndTheNameAsOneArgument)
 {
     chdir(_dir.path().c_str());
     const char* names[] = {"take 1.amc.gz",
@@ -227,23 +193,28 @@ TEST_F(CompStream, FileNamesReachTheCommandAsOneArgument)
         in.open(name);
         EXPECT_EQ(text, readAll(in)) << name;
     }
-    fakeTool("gunzip");
-    KtCompIFStream in;
-    in.open("-dash.amc.gz");
-    EXPECT_EQ("[-c][./-dash.amc.gz]", readAll(in));
     EXPECT_NE(0, access("HACKED", F_OK));
+    fakeTool("gunzip");
+    fakeTool("djpeg");
+    writeFile("scan.jpeg", "");
+    for (auto [name, arguments] :
+         {std::pair{"-dash.amc.gz", "[-c][./-dash.amc.gz]"},
+          std::pair{"scan.jpeg", "[-gsi][scan.jpeg]"}})
+    {
+        KtCompIFStream in;
+        in.open(name);
+        EXPECT_EQ(arguments, readAll(in));
+    }
 }
 
-TEST_F(CompStream, ReportsAToolThatIsNotInPath)
+TEST_F(CompStream, ReportsACommandThatIsMissingOrCannotStart)
 {
     std::string walk = compressed("walk.amc.gz", "gzip", "x");
     std::string noTool = "Cannot find command 'gunzip' to uncompress\n'" +
                          walk + "'.\nThis command needs to be in your path.";
     // Empty entries never stand for the current directory.
-    mkdir(file("bin").c_str(), 0755);
+    fakeTool("gunzip", "exit 0");
     chdir(file("bin").c_str());
-    writeFile("gunzip", "#!/bin/sh\n");
-    chmod("gunzip", 0755);
     for (const char* path : {"", "::", static_cast<const char*>(nullptr)})
     {
         path ? setenv("PATH", path, 1) : unsetenv("PATH");
@@ -252,23 +223,28 @@ TEST_F(CompStream, ReportsAToolThatIsNotInPath)
         EXPECT_TRUE(in.fail());
         EXPECT_EQ(errorBlock({noTool.c_str()}), printedChain());
     }
-}
+    std::string out = file("out.Z");
+    KtCompOFStream stream;
+    stream.open(out.c_str());
+    EXPECT_TRUE(stream.fail());
+    noTool = "Cannot find command 'compress' to compress\n'" + out +
+             "'.\nThis command needs to be in your path.";
+    EXPECT_EQ(errorBlock({noTool.c_str()}), printedChain());
 
-TEST_F(CompStream, ReportsACommandThatCannotStart)
-{
     fakeTool("gunzip");
     writeFile(file("bin/gunzip"), "not a program\n");
     KtCompIFStream in;
-    in.open(compressed("walk.amc.gz", "gzip", "x").c_str());
+    in.open(walk.c_str());
     EXPECT_TRUE(in.fail());
     EXPECT_EQ(errorBlock({"Unable to decompress file.", "Exec format error"}),
               printedChain());
 }
 
-TEST_F(CompStream, CorruptDataEndsTheInputWithoutHanging)
+// Neither a command that fails nor a reader that stops early can hang.
+TEST_F(CompStream, InputEndsEarlyWithoutHanging)
 {
-    QuietStderr quiet;
-    std::string text = motionText();
+    Quiet quiet;
+    std::string text = motionText(200000);
     std::string whole = readFile(compressed("whole.gz", "gzip", text));
     writeFile(file("cut.gz"), whole.substr(0, whole.size() / 2));
     writeFile(file("junk.gz"), "this is not gzip data\n");
@@ -282,26 +258,23 @@ TEST_F(CompStream, CorruptDataEndsTheInputWithoutHanging)
         EXPECT_LT(read.size(), text.size());
         EXPECT_EQ(text.substr(0, read.size()), read) << name;
     }
-}
-
-TEST_F(CompStream, ClosingEarlyStopsTheCommand)
-{
-    std::string walk = compressed("walk.amc.gz", "gzip", motionText(200000));
     KtCompIFStream first, second;
-    first.open(walk.c_str());
-    second.open(walk.c_str());
+    first.open(file("whole.gz").c_str());
+    second.open(file("whole.gz").c_str());
     std::string line;
     std::getline(first, line);
     EXPECT_EQ(":FULLY-SPECIFIED", line);
     first.close();
-    EXPECT_FALSE(first.is_open());
     // The destructor of the unread second stream stops its command too.
 }
 
+// Each class counts its own instances, which name the pipes.
 TEST_F(CompStream, ExistingFileAtThePipePathIsNeverTouched)
 {
+    KtCompOFStream x;
     KtCompIFStream in;
-    std::string pipe = pipePath("compifstream", in.instance());
+    EXPECT_EQ(x.instance() + 1, KtCompOFStream().instance());
+    std::string pipe = pipePath("compifstream" + std::to_string(in.instance()));
     symlink(file("target").c_str(), pipe.c_str());
     in.open(compressed("walk.amc.gz", "gzip", "x").c_str());
     unlink(pipe.c_str());
@@ -309,71 +282,38 @@ TEST_F(CompStream, ExistingFileAtThePipePathIsNeverTouched)
     EXPECT_NE(0, access(file("target").c_str(), F_OK));
     std::string message = "Unable to create named pipe \"" + pipe + "\".";
     EXPECT_EQ(errorBlock({message.c_str(), "File exists"}), printedChain());
+    EXPECT_EQ(in.instance() + 1, KtCompIFStream().instance());
 }
 
-TEST_F(CompStream, PendingErrorOrMissingFileStopsTheOpen)
+TEST_F(CompStream, PendingErrorOrFailedCheckStopsTheOpen)
 {
     std::string walk = compressed("walk.amc.gz", "gzip", "x");
-    KtError("Earlier failure.");
-    KtCompIFStream in;
-    in.open(walk.c_str());
-    EXPECT_TRUE(in.fail());
-    EXPECT_EQ(errorBlock({"Earlier failure."}), printedChain());
-
     std::string missing = file("missing.amc");
-    KtCompIFStream none;
+    std::string lost = file("nowhere/out.gz");
+    KtCompIFStream pending, none;
+    KtCompOFStream unwritable;
+    KtError("Earlier failure.");
+    pending.open(walk.c_str());
+    EXPECT_EQ(errorBlock({"Earlier failure."}), printedChain());
     none.open(missing.c_str());
-    EXPECT_TRUE(none.fail());
     EXPECT_EQ(errorBlock({("Unable to read \"" + missing + "\".").c_str(),
                           "File does not exist."}),
               printedChain());
-}
-
-TEST_F(CompStream, InstanceNumbersCountPerClass)
-{
-    KtCompIFStream a;
-    KtCompOFStream x;
-    KtCompIFStream b;
-    KtCompOFStream y;
-    EXPECT_EQ(a.instance() + 1, b.instance());
-    EXPECT_EQ(x.instance() + 1, y.instance());
-}
-
-TEST_F(CompStream, WrittenDataDecompressesToExactlyWhatWasWritten)
-{
-    std::string text = motionText();
-    for (auto [name, tool] : {std::pair{"out.gz", "gzip -dc"},
-                              std::pair{"out.Z", "uncompress -c"},
-                              std::pair{"out.mov", "cat"}})
-    {
-        auto unpacked = [&, tool = tool](const std::string& path)
-        {
-            run(std::string(tool) + " <" + path + " >" + file("back"));
-            return readFile(file("back"));
-        };
-        // Two at once: neither command may hold the other's pipe open. Tiny
-        // data that does not shrink is complete as well.
-        KtCompOFStream out, tiny;
-        out.open(file(name).c_str());
-        tiny.open(file(std::string("tiny-") + name).c_str());
-        ASSERT_TRUE(out.is_open() && tiny.is_open()) << printedChain();
-        out << text;
-        tiny << "x";
-        out.close();
-        tiny.close();
-        EXPECT_TRUE(out.good() && tiny.good()) << name;
-        EXPECT_TRUE(unpacked(file(name)) == text) << name;
-        EXPECT_EQ("x", unpacked(file(std::string("tiny-") + name)));
-    }
+    unwritable.open(lost.c_str());
+    EXPECT_EQ(errorBlock({("File \"" + lost + "\" is unwritable.").c_str(),
+                          ("Parent directory \"" + file("nowhere") +
+                           "\" does not exist.")
+                              .c_str()}),
+              printedChain());
+    EXPECT_TRUE(pending.fail() && none.fail() && unwritable.fail());
 }
 
 // The real cjpeg cannot make an image of text; the stand-in gzip ends
 // before reading anything, so the writes meet a pipe without a reader.
 TEST_F(CompStream, FailedCompressorShowsAfterCloseWithoutSigpipe)
 {
-    fakeTool("gzip");
-    writeFile(file("bin/gzip"), "#!/bin/sh\nexit 3\n");
-    QuietStderr quiet;
+    fakeTool("gzip", "exit 3");
+    Quiet quiet;
     sigset_t before, after;
     pthread_sigmask(SIG_SETMASK, nullptr, &before);
     for (const char* name : {"out.jpeg", "out.gz"})
@@ -389,26 +329,4 @@ TEST_F(CompStream, FailedCompressorShowsAfterCloseWithoutSigpipe)
     EXPECT_EQ(sigismember(&before, SIGPIPE), sigismember(&after, SIGPIPE));
     sigpending(&after);
     EXPECT_FALSE(sigismember(&after, SIGPIPE));
-}
-
-TEST_F(CompStream, OutputReportsMissingToolAndUnwritablePath)
-{
-    setenv("PATH", file("bin").c_str(), 1);
-    std::string out = file("out.Z");
-    KtCompOFStream stream;
-    stream.open(out.c_str());
-    EXPECT_TRUE(stream.fail());
-    std::string noTool = "Cannot find command 'compress' to compress\n'" + out +
-                         "'.\nThis command needs to be in your path.";
-    EXPECT_EQ(errorBlock({noTool.c_str()}), printedChain());
-
-    std::string nowhere = file("nowhere/out.gz");
-    KtCompOFStream lost;
-    lost.open(nowhere.c_str());
-    EXPECT_TRUE(lost.fail());
-    EXPECT_EQ(errorBlock({("File \"" + nowhere + "\" is unwritable.").c_str(),
-                          ("Parent directory \"" + file("nowhere") +
-                           "\" does not exist.")
-                              .c_str()}),
-              printedChain());
 }
