@@ -26,29 +26,6 @@ constexpr int kY = 1;
 constexpr int kZ = 2;
 constexpr float kQuarter = 1.5707963267948966f;
 
-// The elementary frames written out from their definitions (row vectors):
-// a shift in row 3; a turn about axis X, Y or Z takes the next axis toward
-// the one after it.
-Kt4X4FloatMat shift(float x, float y, float z)
-{
-    Kt4X4FloatMat m;
-    m[3][0] = x;
-    m[3][1] = y;
-    m[3][2] = z;
-    return m;
-}
-
-Kt4X4FloatMat turn(int axis, float angle)
-{
-    int p = (axis + 1) % 3;
-    int q = (axis + 2) % 3;
-    Kt4X4FloatMat m;
-    m[p][p] = m[q][q] = std::cos(angle);
-    m[p][q] = std::sin(angle);
-    m[q][p] = -std::sin(angle);
-    return m;
-}
-
 Kt4X4FloatMat operator*(const Kt4X4FloatMat& a, const Kt4X4FloatMat& b)
 {
     Kt4X4FloatMat m;
@@ -144,19 +121,20 @@ TEST(ApplyDOFValues, TranslationsFirstThenRotationsFromTheLastValue)
     // DOFs, values, degrees flag, expected frame.
     const std::tuple<std::vector<int>, std::vector<float>, int, Kt4X4FloatMat>
         cases[] = {
-            {{kDofRX}, {90}, 1, turn(kX, kQuarter)},
-            {{kDofRX}, {90}, 0, turn(kX, 90)},
-            {{kDofTX, kDofL}, {10, 5}, 1, shift(22.2222f, 0, 0)},
+            {{kDofRX}, {90}, 1, rotationMatrix(kX, kQuarter)},
+            {{kDofRX}, {90}, 0, rotationMatrix(kX, 90)},
+            {{kDofTX, kDofL}, {10, 5}, 1, translationMatrix(22.2222f, 0, 0)},
             {{kDofTX, kDofTY, kDofTZ, kDofRZ, kDofRY, kDofRX},
              {0.45f, 0.9f, 1.35f, 0.3f, 0.2f, 0.1f},
              0,
-             turn(kZ, 0.3f) * turn(kY, 0.2f) * turn(kX, 0.1f) * shift(1, 2, 3)},
+             rotationMatrix(kZ, 0.3f) * rotationMatrix(kY, 0.2f) *
+                 rotationMatrix(kX, 0.1f) * translationMatrix(1, 2, 3)},
             // tx takes the one value and ty finds none; counting back from the
             // last value, rz takes it too and rx finds none.
             {{kDofTX, kDofRX, kDofTY, kDofRZ},
              {0.45f},
              0,
-             turn(kZ, 0.45f) * shift(1, 0, 0)},
+             rotationMatrix(kZ, 0.45f) * translationMatrix(1, 0, 0)},
         };
     for (const auto& [dofs, values, degrees, expected] : cases)
     {
@@ -184,14 +162,21 @@ TEST(EvaluateBodyFrame, WalksDownFromTheRoot)
         ":hierarchy\n  begin\n    root a\n    a b\n  end\n");
     KaAMC amc = motionFrom("1\na 0.25\nroot 4 0.25\n2\na 0.25\n", "RADIANS");
     const Kt4X4FloatMat identity;
-    const Kt4X4FloatMat rootRest = turn(kZ, 0.5f) * shift(1, 2, 3);
+    const Kt4X4FloatMat rootRest =
+        rotationMatrix(kZ, 0.5f) * translationMatrix(1, 2, 3);
     // Field, body, rest and animated frames.
     const std::tuple<int, const char*, Kt4X4FloatMat, Kt4X4FloatMat> cases[] = {
         {1, "root", identity, identity},
         // b sits at a's end (2, 0, 0) in a's rest orientation.
-        {1, "b", shift(2, 0, 0), shift(2, 0, 0) * turn(kZ, 0.25f)},
+        {1,
+         "b",
+         translationMatrix(2, 0, 0),
+         translationMatrix(2, 0, 0) * rotationMatrix(kZ, 0.25f)},
         // 4 in the length unit 0.5 is 8.
-        {0, "root", rootRest, turn(kZ, 0.25f) * shift(8, 0, 0) * rootRest},
+        {0,
+         "root",
+         rootRest,
+         rotationMatrix(kZ, 0.25f) * translationMatrix(8, 0, 0) * rootRest},
     };
     for (const auto& [field, body, restFrame, animatedFrame] : cases)
     {
