@@ -13,6 +13,8 @@ namespace
 {
 
 // Chunks by which the arrays grow while reading; each is trimmed once.
+// Names and bones grow by at least their chunk and at most doubling, so that
+// a field of a million lines is not moved a million/50 times.
 constexpr int kFieldChunk = 250;
 constexpr int kNameChunk = 50;
 constexpr int kBoneChunk = 50;
@@ -49,6 +51,11 @@ bool isBlank(int c)
 bool isDigit(int c)
 {
     return c >= '0' && c <= '9';
+}
+
+int grown(int count, int chunk)
+{
+    return count + std::max(chunk, count);
 }
 
 int refuse(KtStr* message, const char* reason)
@@ -128,6 +135,10 @@ LineRead readValueLine(std::istream& in, char (&line)[kMaxLineLength + 1])
         extracted = true;
         if (c == '\n')
             break;
+        // The carriage return of a Windows line end is not part of the
+        // line, so such a file reads exactly like its LF twin.
+        if (c == '\r' && Traits::eq_int_type(buffer->sgetc(), '\n'))
+            continue;
         if (length == kMaxLineLength)
         {
             line[length] = '\0';
@@ -313,11 +324,11 @@ int KaAMCField::_scanBones(std::istream& in,
         if (names)
         {
             if (count >= names->count())
-                names->_resize(names->count() + kNameChunk);
+                names->_resize(grown(names->count(), kNameChunk));
             (*names)[count] = name;
         }
         if (count >= lines.count())
-            lines._resize(lines.count() + kBoneChunk);
+            lines._resize(grown(lines.count(), kBoneChunk));
         lines[count].scanFrom(in);
         if (theExceptObj.errorOccurred())
         {

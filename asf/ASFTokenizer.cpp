@@ -64,12 +64,30 @@ bool ASFTokenizer::_skipWhiteSpace()
         if (c == '#')
         {
             get();
-            ignore(kCommentSkip, '\n');
+            _skipComment();
             ++_lineNumber;
             crossed = true;
             continue;
         }
         return crossed;
+    }
+}
+
+// As ignore(kCommentSkip, '\n'), except that the carriage return of a
+// Windows line end is not counted, so that a comment as long as the limit
+// ends at the same place as in its LF twin.
+void ASFTokenizer::_skipComment()
+{
+    for (std::streamsize taken = 0; taken < kCommentSkip; ++taken)
+    {
+        int c = peek();
+        if (c == traits_type::eof())
+            return;
+        get();
+        if (c == '\n')
+            return;
+        if (c == '\r' && peek() == '\n')
+            --taken;
     }
 }
 

@@ -39,6 +39,7 @@ public:
 
 private:
     bool _skipWhiteSpace();
+    void _skipComment();
     void _readIdentifier(char* buf, int size);
 
     int _lineNumber = 1;

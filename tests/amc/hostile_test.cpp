@@ -1,0 +1,233 @@
+// Hostile motions: huge lines and names, odd frame numbers, binary bytes,
+// CRLF line ends and degenerate files. Each gives a document or a clear
+// message, in time and memory in proportion to its size.
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "amc/KaAMC.h"
+#include "support/heap_watch.h"
+#include "support/test_helpers.h"
+#include "toolkit/KtError.h"
+
+namespace
+{
+
+const std::string kHeader = ":FULLY-SPECIFIED\n:DEGREES\n";
+constexpr size_t kMegabyte = 1 << 20;
+
+std::string repeated(const std::string& piece, size_t times)
+{
+    std::string text;
+    text.reserve(piece.size() * times);
+    for (size_t i = 0; i < times; ++i)
+        text += piece;
+    return text;
+}
+
+// Reads text into motion and returns the printed chain; the peak heap use
+// of the read goes to *peak when given.
+std::string
+chainOf(const std::string& text, KaAMC& motion, size_t* peak = nullptr)
+{
+    std::istringstream in(text);
+    HeapWatch watch;
+    motion.scanFrom(in);
+    if (peak)
+        *peak = watch.peakGrowth();
+    return printedChain();
+}
+
+// Checked only where the heap can be watched.
+void expectPeakBelow(size_t peak, size_t limit)
+{
+    if (HeapWatch::available())
+    {
+        EXPECT_LT(peak, limit);
+    }
+}
+
+std::string printed(const KaAMC& motion)
+{
+    std::ostringstream out;
+    motion.printOn(out);
+    return out.str();
+}
+
+} // namespace
+
+// Nothing of an over-long line is held beyond what its message shows.
+TEST(KaAMCHostile, OverlongTextIsRefusedWithoutBeingHeld)
+{
+    const struct
+    {
+        const char* what;
+        std::string text;
+        std::string chain;
+    } cases[] = {
+        {"a value line of megabytes without a line end",
+         kHeader + "1\nroot " + repeated("1 ", 2 * kMegabyte),
+         errorBlock({"Unable to read field.",
+                     "Unable to read bone 'root' for field 1.",
+                     "Unable to read bone's values.",
+                     "The bone's values are longer than 126 characters."})},
+        {"a bone name of a megabyte",
+         kHeader + "1\n" + std::string(kMegabyte, 'b') + " 1 2 3\n",
+         errorBlock({"Unable to read field.",
+                     "Unable to read bone name for field 1.",
+                     "The bone name \"bbbbbbbbbbbbbbbbbbbb...\" is longer "
+                     "than 118 characters."})},
+        {"a frame number of a megabyte of digits",
+         kHeader + std::string(kMegabyte, '9') + "\nroot 1\n",
+         errorBlock({"Unable to read field.", "Unable to read field number."})},
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.what);
+        KaAMC motion;
+        size_t peak = 0;
+        EXPECT_EQ(c.chain, chainOf(c.text, motion, &peak));
+        EXPECT_EQ(0, motion.numFields());
+        expectPeakBelow(peak, 64 * 1024);
+    }
+}
+
+// A keyword line is read whole to name it in the message, and only its
+// start is shown.
+TEST(KaAMCHostile, AnOverlongKeywordIsShownByItsStart)
+{
+    KaAMC motion;
+    size_t peak = 0;
+    std::string chain = chainOf(
+        ":" + std::string(4 * kMegabyte, 'K') + "\n" + kHeader, motion, &peak);
+    const std::string shown =
+        "Unrecognized key word \"" + std::string(200, 'K') + "...\".";
+    EXPECT_EQ(errorBlock({"File does not contain amc data.", shown.c_str()}),
+              chain);
+    expectPeakBelow(peak, 4 * 4 * kMegabyte);
+}
+
+// The first field's number is any int; a later line that starts with '-'
+// is a bone name, as the format has it.
+TEST(KaAMCHostile, FrameNumbersAtTheLimitsOfInt)
+{
+    const struct
+    {
+        std::string first;
+        int frame;
+        std::string chain;
+    } cases[] = {
+        {"0", 0, ""},
+        {"-7", -7, ""},
+        {"2147483647", 2147483647, ""},
+        {"-2147483648", -2147483647 - 1, ""},
+        {"2147483648",
+         0,
+         errorBlock({"Unable to read field.", "Unable to read field number."})},
+        {"-2147483649",
+         0,
+         errorBlock({"Unable to read field.", "Unable to read field number."})},
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.first);
+        KaAMC motion;
+        EXPECT_EQ(c.chain,
+                  chainOf(kHeader + c.first + "\nroot 1\n-1 2\n", motion));
+        if (!c.chain.empty())
+            continue;
+        ASSERT_EQ(1, motion.numFields());
+        EXPECT_EQ(c.frame, motion.field(0).frameNumber());
+        ASSERT_EQ(2, motion.field(0).numBones());
+        EXPECT_STREQ("-1", motion.boneNames()[1].text());
+    }
+}
+
+// NUL bytes and random binary data give a document or an error, never a
+// crash (the sanitizers watch); a failed read leaves nothing behind.
+TEST(KaAMCHostile, BinaryBytesNeverCrash)
+{
+    std::string binary;
+    unsigned seed = 12345;
+    for (int i = 0; i < 4096; ++i)
+    {
+        seed = seed * 1103515245u + 12345u;
+        binary += static_cast<char>(seed >> 16);
+    }
+    const std::string nul(1, '\0');
+    const struct
+    {
+        const char* what;
+        std::string text;
+    } cases[] = {
+        {"binary body", kHeader + "1\n" + binary},
+        {"binary file", binary},
+        {"NUL in a name", kHeader + "1\nlfe" + nul + "mur 1 2\n"},
+        {"NUL among values", kHeader + "1\nroot 1" + nul + " 2\n"},
+        {"NUL padding after the data",
+         kHeader + "1\nroot 1 2\n" + std::string(4096, '\0')},
+        {"NUL in a keyword", ":FULLY" + nul + "-SPECIFIED\n:DEGREES\n1\n"},
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.what);
+        KaAMC motion;
+        std::string chain = chainOf(c.text, motion);
+        if (chain.find("ERROR") != std::string::npos)
+        {
+            EXPECT_EQ(0, motion.numFields());
+        }
+        printed(motion);
+    }
+}
+
+// Windows line ends read exactly like their LF twins, also where a line is
+// as long as a line may be.
+TEST(KaAMCHostile, CRLFLineEndsReadLikeLF)
+{
+    const std::string longest = "lfemur 1" + std::string(116, ' ') + "2";
+    const std::string lf = "# comment\n" + kHeader + "1\nroot 1 2 3\n" +
+                           longest + "\nrhand\n2\nroot 4 5 6\n" + longest +
+                           "\nrhand 7\n";
+    std::string crlf;
+    for (char c : lf)
+        crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    KaAMC fromLF;
+    KaAMC fromCRLF;
+    EXPECT_EQ("", chainOf(lf, fromLF));
+    EXPECT_EQ("", chainOf(crlf, fromCRLF));
+    EXPECT_EQ(printed(fromLF), printed(fromCRLF));
+    EXPECT_EQ(2, fromCRLF.field(1).bone(1).numValues());
+}
+
+// Lines that claim nothing still cost a record each (a frame of two bytes
+// holds 32 while the fields are gathered); that cost stays a bounded
+// multiple of the line, and a field of many lines is read in linear time.
+TEST(KaAMCHostile, DegenerateMotionsCostInProportionToTheirSize)
+{
+    const struct
+    {
+        const char* what;
+        std::string text;
+        int fields;
+    } cases[] = {
+        {"empty fields", kHeader + repeated("1\n", 500000), 500000},
+        {"one field of bones without values",
+         kHeader + "1\n" + repeated("b\n", 400000),
+         1},
+        {"many fields of bones without values",
+         kHeader + repeated("1\nb\nc\n", 150000),
+         150000},
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.what);
+        KaAMC motion;
+        size_t peak = 0;
+        EXPECT_EQ("", chainOf(c.text, motion, &peak));
+        EXPECT_EQ(c.fields, motion.numFields());
+        expectPeakBelow(peak, 48 * c.text.size());
+    }
+}
