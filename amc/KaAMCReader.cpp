@@ -157,7 +157,8 @@ LineRead readValueLine(std::istream& in, char (&line)[kMaxLineLength + 1])
 
 // A decompressing stream is read to its end, whatever state the reader left
 // it in, so that the command feeding it can finish instead of breaking on a
-// closed pipe.
+// closed pipe, and closing it then tells whether the command failed (a
+// truncated file reads as a shorter motion otherwise).
 void drain(KtCompIFStream& in)
 {
     if (!in.compressed())
@@ -429,6 +430,7 @@ void KaAMC::read(const char* path)
     }
     scanFrom(in);
     drain(in);
+    in.close();
     if (theExceptObj.errorOccurred())
         KtError("Unable to read '%s'.", path);
 }
@@ -444,6 +446,7 @@ void KaAMC::readFirstField(const char* path)
     }
     _scanFrom(in, 1);
     drain(in);
+    in.close();
     if (theExceptObj.errorOccurred())
         KtError("Unable to read '%s'.", path);
 }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "amc/KaAMC.h"
+#include "support/failing_tool.h"
 #include "support/heap_watch.h"
 #include "support/test_helpers.h"
 #include "toolkit/KtError.h"
@@ -230,4 +231,18 @@ TEST(KaAMCHostile, DegenerateMotionsCostInProportionToTheirSize)
         EXPECT_EQ(c.fields, motion.numFields());
         expectPeakBelow(peak, 48 * c.text.size());
     }
+}
+
+// A compressor that fails leaves a file that is not the motion: saving
+// reports it.
+TEST(KaAMCHostile, SavingThroughAFailingCompressorFails)
+{
+    KaAMC motion;
+    ASSERT_EQ("", chainOf(kHeader + "1\nroot 1 2 3\n", motion));
+    TempDir dir;
+    const std::string path = dir.file("move.amc.gz");
+    FailingTool gzip("gzip");
+    motion.save(path.c_str());
+    EXPECT_EQ(errorBlock({("Unable to write '" + path + "'.").c_str()}),
+              printedChain());
 }

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "asf/KaASF.h"
+#include "asf/KaAxisOrder.h"
+#include "support/failing_tool.h"
 #include "support/heap_watch.h"
 #include "support/test_helpers.h"
 #include "toolkit/KtError.h"
@@ -64,19 +66,26 @@ void expectPeakBelow(size_t peak, size_t limit)
 } // namespace
 
 // Copying, writing and reading back walk the bones in list order, never
-// down the hierarchy, so depth costs no stack.
+// down the hierarchy, so depth costs no stack. (Reading such a chain is a
+// reader test of its own; here it is built in memory.)
 TEST(KaASFHostile, AChain100000DeepIsCopiedWrittenAndReadBack)
 {
     const int depth = 100000;
-    std::string text = kVersion + ":bonedata\n";
-    for (int i = 0; i < depth; ++i)
-        text += bone("b" + std::to_string(i), "dof rx");
-    text += ":hierarchy\n  begin\n    root b0\n";
-    for (int i = 1; i < depth; ++i)
-        text +=
-            "    b" + std::to_string(i - 1) + " b" + std::to_string(i) + "\n";
     KaASF skeleton;
-    ASSERT_EQ("", chainOf(text + "  end\n", skeleton));
+    KtArray<int> order;
+    KaAxisOrderFromWord("XYZ", &order);
+    KaASFBone* parent = nullptr;
+    for (int i = 0; i < depth; ++i)
+    {
+        KaASFBone bone;
+        bone.setName(("b" + std::to_string(i)).c_str());
+        bone.setAxisOrder(order);
+        bone.setParent(parent);
+        KaASFBone* added = skeleton.addBone(bone);
+        if (parent)
+            parent->setFirstChild(added);
+        parent = added;
+    }
     KaASF copy(skeleton);
     KaASF reread;
     EXPECT_EQ("", chainOf(printed(copy), reread));
@@ -245,4 +254,18 @@ TEST(KaASFHostile, DegenerateSkeletonsCostInProportionToTheirSize)
         EXPECT_EQ("", chainOf(c.text, skeleton, &peak));
         expectPeakBelow(peak, 48 * c.text.size());
     }
+}
+
+// A compressor that fails leaves a file that is not the skeleton: saving
+// reports it.
+TEST(KaASFHostile, SavingThroughAFailingCompressorFails)
+{
+    KaASF skeleton;
+    ASSERT_EQ("", chainOf(kVersion + ":bonedata\n" + bone("a"), skeleton));
+    TempDir dir;
+    const std::string path = dir.file("body.asf.gz");
+    FailingTool gzip("gzip");
+    skeleton.save(path.c_str());
+    EXPECT_EQ(errorBlock({("Unable to write '" + path + "'.").c_str()}),
+              printedChain());
 }
