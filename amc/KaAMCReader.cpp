@@ -1,6 +1,7 @@
 // The AMC reader: the header check, and the motion, field and bone readers.
 #include <algorithm>
 #include <istream>
+#include <string>
 #include <utility>
 
 #include "amc/KaAMC.h"
@@ -51,6 +52,17 @@ bool isBlank(int c)
 bool isDigit(int c)
 {
     return c >= '0' && c <= '9';
+}
+
+// The start of an over-long name as a message shows it. Binary data (NUL
+// bytes, say) would show as nothing at all; its bytes show as '?'.
+std::string shownStart(const char* name)
+{
+    std::string shown(name, kShownNameLength);
+    for (char& c : shown)
+        if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
+            c = '?';
+    return shown;
 }
 
 int grown(int count, int chunk)
@@ -306,9 +318,8 @@ int KaAMCField::_scanBones(std::istream& in,
         char name[kMaxNameLength + 1];
         if (!readName(in, name))
         {
-            KtError("The bone name \"%.*s...\" is longer than %d characters.",
-                    kShownNameLength,
-                    name,
+            KtError("The bone name \"%s...\" is longer than %d characters.",
+                    shownStart(name).c_str(),
                     kMaxNameLength);
             KtError("Unable to read bone name for field %d.", _frameNumber);
             return count;

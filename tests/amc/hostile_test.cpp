@@ -80,6 +80,12 @@ TEST(KaAMCHostile, OverlongTextIsRefusedWithoutBeingHeld)
                      "Unable to read bone name for field 1.",
                      "The bone name \"bbbbbbbbbbbbbbbbbbbb...\" is longer "
                      "than 118 characters."})},
+        {"NUL bytes where a bone name starts",
+         kHeader + "1\nroot 1\n" + std::string(kMegabyte, '\0'),
+         errorBlock({"Unable to read field.",
+                     "Unable to read bone name for field 1.",
+                     "The bone name \"????????????????????...\" is longer "
+                     "than 118 characters."})},
         {"a frame number of a megabyte of digits",
          kHeader + std::string(kMegabyte, '9') + "\nroot 1\n",
          errorBlock({"Unable to read field.", "Unable to read field number."})},
@@ -169,6 +175,7 @@ TEST(KaAMCHostile, BinaryBytesNeverCrash)
         {"NUL among values", kHeader + "1\nroot 1" + nul + " 2\n"},
         {"NUL padding after the data",
          kHeader + "1\nroot 1 2\n" + std::string(4096, '\0')},
+        {"binary after the data", kHeader + "1\nroot 1 2\n" + binary},
         {"NUL in a keyword", ":FULLY" + nul + "-SPECIFIED\n:DEGREES\n1\n"},
     };
     for (const auto& c : cases)
