@@ -10,6 +10,7 @@
 #include "app/MelWriter.h"
 #include "app/MovWriter.h"
 #include "asf/KaASF.h"
+#include "asf/KaNameIndex.h"
 #include "toolkit/KtError.h"
 #include "toolkit/KtFile.h"
 
@@ -34,11 +35,25 @@ bool readInput(const char* path, const std::function<void()>& read)
     return true;
 }
 
+using BoneIndex = KaNameIndex<const KaAMCBone>;
+
+// The frame's named bones by name ignoring case, the first of a name
+// winning as in a search of the frame, so that a skeleton and a frame of
+// many bones are compared in linear time.
+BoneIndex indexOf(const KaAMCField& frame)
+{
+    BoneIndex index;
+    for (int i = 0; i < frame.numBones(); ++i)
+        if (const KtStr* name = frame.bone(i).name())
+            index.add(*name, &frame.bone(i));
+    return index;
+}
+
 void checkBodyDOFs(const char* name,
                    const KaASFDOFGroup& dofs,
-                   const KaAMCField& first)
+                   const BoneIndex& first)
 {
-    const KaAMCBone* values = first.findBone(name);
+    const KaAMCBone* values = first.find(name);
     if (values && values->numValues() != dofs.numDOFs())
         KtWarning("Bone \"%s\" has %d dofs in the ASF, but the AMC specifies "
                   "%d.",
@@ -96,7 +111,7 @@ void checkDOFCounts(const KaASF& asf, const KaAMC& amc)
         KtWarning("The AMC specifies no frames of data.");
         return;
     }
-    const KaAMCField& first = amc.field(0);
+    const BoneIndex first = indexOf(amc.field(0));
     checkBodyDOFs("root", asf.root().dofGroup(), first);
     for (const KaASFBone* bone : asf.bones())
         checkBodyDOFs(bone->name(), bone->dofGroup(), first);
