@@ -18,11 +18,12 @@ bool isSeparator(int c)
            c == ',';
 }
 
-// Characters that end a word (and are not part of it).
+// Characters that end a word (and are not part of it). A NUL byte (binary
+// data) does too: inside a word it would silently cut the word's text short.
 bool endsWord(int c)
 {
     return std::isspace(c) || c == '(' || c == ')' || c == ',' || c == '#' ||
-           c == '<' || c == '>';
+           c == '<' || c == '>' || c == '\0';
 }
 
 void setToken(char* buf, int size, const char* text)
