@@ -12,7 +12,7 @@
 // the matching decompression command (uncompress, gunzip, djpeg), found
 // through PATH. Failures set the stream's fail state and record their
 // reasons in the error handler. A command that fails or meets a corrupt file
-// simply ends the data early.
+// ends the data early; close() at the end of the data reports it.
 class KtCompIFStream : public std::ifstream
 {
 public:
