@@ -5,10 +5,14 @@
 BUILD_DIR  ?= build/release
 TEST_DIR   ?= build/test
 BENCH_DIR  ?= build/bench
+FUZZ_DIR   ?= build/fuzz
+FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 
 BUILD_PACKAGES := cmake g++ make
 TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs
+FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
+FUZZ_TARGETS   := skeleton motion conversion
 
 .PHONY: all build test demo bench verify-format fuzz format format-check clean
 
@@ -51,6 +55,29 @@ verify-format:
 	      -DMOTBAKE_BUILD_BENCH=ON
 	cmake --build $(BENCH_DIR) -j $(JOBS) --target verify_format
 	$(BENCH_DIR)/bench/verify_format --all --threads $(JOBS)
+
+# Each fuzz target for FUZZ_SECONDS, one after the other. The saved corpus
+# and findings in fuzz/ seed the search; new inputs collect in fuzz/work/
+# (not kept), and a crash input lands in fuzz/work/<target>-artifacts/: save
+# it in fuzz/findings/<target>/ once it is fixed, so that make test replays it.
+# Inputs are capped at 64 KiB; a run that is slow (10 s), allocates more than
+# 256 MB at once or holds more than 2 GB counts as a finding.
+fuzz:
+	@tools/require-packages $(FUZZ_PACKAGES)
+	cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	      -DCMAKE_CXX_COMPILER=clang++ -DMOTBAKE_FUZZ=ON \
+	      -DMOTBAKE_BUILD_TESTS=OFF
+	cmake --build $(FUZZ_DIR) -j $(JOBS)
+	@for target in $(FUZZ_TARGETS); do \
+	    mkdir -p fuzz/work/$$target fuzz/work/$$target-artifacts && \
+	    echo "== fuzzing $$target for $(FUZZ_SECONDS) s" && \
+	    $(FUZZ_DIR)/fuzz/fuzz_$$target -max_total_time=$(FUZZ_SECONDS) \
+	        -max_len=65536 -timeout=10 -malloc_limit_mb=256 \
+	        -rss_limit_mb=2048 -dict=fuzz/motbake.dict \
+	        -artifact_prefix=fuzz/work/$$target-artifacts/ -print_final_stats=1 \
+	        fuzz/work/$$target fuzz/corpus/$$target fuzz/findings/$$target \
+	        || exit 1; \
+	done
 
 format:
 	@tools/require-packages clang-format

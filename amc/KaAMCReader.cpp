@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstring>
 #include <istream>
+#include <string>
 #include <utility>
 
 #include "amc/KaAMC.h"
@@ -15,6 +16,8 @@ namespace
 {
 
 // Chunks by which the arrays grow while reading; each is trimmed once.
+// Names and bones grow by at least their chunk and at most doubling, so that
+// a field of a million lines is not moved a million/50 times.
 constexpr int kFieldChunk = 250;
 constexpr int kNameChunk = 50;
 constexpr int kBoneChunk = 50;
@@ -53,6 +56,22 @@ bool isBlank(int c)
 bool isDigit(int c)
 {
     return c >= '0' && c <= '9';
+}
+
+// The start of an over-long name as a message shows it. Binary data (NUL
+// bytes, say) would show as nothing at all; its bytes show as '?'.
+std::string shownStart(const char* name)
+{
+    std::string shown(name, kShownNameLength);
+    for (char& c : shown)
+        if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
+            c = '?';
+    return shown;
+}
+
+int grown(int count, int chunk)
+{
+    return count + std::max(chunk, count);
 }
 
 int refuse(KtStr* message, const char* reason)
@@ -306,6 +325,10 @@ LineRead readValueLine(Source& source,
         extracted = true;
         if (c == '\n')
             break;
+        // The carriage return of a Windows line end is not part of the
+        // line, so such a file reads exactly like its LF twin.
+        if (c == '\r' && Traits::eq_int_type(source.peek(), '\n'))
+            continue;
         if (length == kMaxLineLength)
         {
             line[length] = '\0';
@@ -324,7 +347,8 @@ LineRead readValueLine(Source& source,
 
 // A decompressing stream is read to its end, whatever state the reader left
 // it in, so that the command feeding it can finish instead of breaking on a
-// closed pipe.
+// closed pipe, and closing it then tells whether the command failed (a
+// truncated file reads as a shorter motion otherwise).
 void drain(KtCompIFStream& in)
 {
     if (!in.compressed())
@@ -486,9 +510,8 @@ int KaAMCFieldReader<Source>::_readBones(KaAMCField& field,
         char name[kMaxNameLength + 1];
         if (!readName(_source, name))
         {
-            KtError("The bone name \"%.*s...\" is longer than %d characters.",
-                    kShownNameLength,
-                    name,
+            KtError("The bone name \"%s...\" is longer than %d characters.",
+                    shownStart(name).c_str(),
                     kMaxNameLength);
             KtError("Unable to read bone name for field %d.",
                     field._frameNumber);
@@ -507,11 +530,11 @@ int KaAMCFieldReader<Source>::_readBones(KaAMCField& field,
         if (names)
         {
             if (count >= names->count())
-                names->_resize(names->count() + kNameChunk);
+                names->_resize(grown(names->count(), kNameChunk));
             (*names)[count] = name;
         }
         if (count >= _lines.count())
-            _lines._resize(_lines.count() + kBoneChunk);
+            _lines._resize(grown(_lines.count(), kBoneChunk));
         readBone(_lines[count]);
         if (theExceptObj.errorOccurred())
         {
@@ -632,6 +655,7 @@ void KaAMC::read(const char* path)
     }
     scanFrom(in);
     drain(in);
+    in.close();
     if (theExceptObj.errorOccurred())
         KtError("Unable to read '%s'.", path);
 }
@@ -647,6 +671,7 @@ void KaAMC::readFirstField(const char* path)
     }
     _scanFrom(in, 1);
     drain(in);
+    in.close();
     if (theExceptObj.errorOccurred())
         KtError("Unable to read '%s'.", path);
 }

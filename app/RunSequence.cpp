@@ -119,11 +119,16 @@ void writeOutputFile(const char* path,
         KtError("Unable to open \"%s\".", path);
         return;
     }
+    errno = 0;
     writeContent(file);
     bool contentFailed = theExceptObj.errorOccurred();
+    // The reason is that of the first write the system refused, which may
+    // have come while writing or only when closing.
+    int writeError = file.fail() ? errno : 0;
     errno = 0;
     file.close();
-    int writeError = errno;
+    if (!writeError)
+        writeError = errno;
     bool incomplete = !contentFailed && file.fail();
     std::cout << "done.\n" << std::flush;
     if (incomplete)

@@ -18,11 +18,12 @@ bool isSeparator(int c)
            c == ',';
 }
 
-// Characters that end a word (and are not part of it).
+// Characters that end a word (and are not part of it). A NUL byte (binary
+// data) does too: inside a word it would silently cut the word's text short.
 bool endsWord(int c)
 {
     return std::isspace(c) || c == '(' || c == ')' || c == ',' || c == '#' ||
-           c == '<' || c == '>';
+           c == '<' || c == '>' || c == '\0';
 }
 
 void setToken(char* buf, int size, const char* text)
@@ -64,12 +65,30 @@ bool ASFTokenizer::_skipWhiteSpace()
         if (c == '#')
         {
             get();
-            ignore(kCommentSkip, '\n');
+            _skipComment();
             ++_lineNumber;
             crossed = true;
             continue;
         }
         return crossed;
+    }
+}
+
+// As ignore(kCommentSkip, '\n'), except that the carriage return of a
+// Windows line end is not counted, so that a comment as long as the limit
+// ends at the same place as in its LF twin.
+void ASFTokenizer::_skipComment()
+{
+    for (std::streamsize taken = 0; taken < kCommentSkip; ++taken)
+    {
+        int c = peek();
+        if (c == traits_type::eof())
+            return;
+        get();
+        if (c == '\n')
+            return;
+        if (c == '\r' && peek() == '\n')
+            --taken;
     }
 }
 

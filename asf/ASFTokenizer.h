@@ -18,7 +18,8 @@
 //                   first of the stream
 // Blanks, tabs, carriage returns, '(', ')' and ',' only separate tokens, so
 // "(lo, hi)" reads as two words. '#' starts a comment where a token could
-// start and ends a word inside one.
+// start and ends a word inside one. Other characters that cannot be part of
+// a word (a form feed, a NUL byte) end one and are read as an empty token.
 //
 // At the end of the input a token may be empty; callers test the stream
 // state (eof(), good()) after each call.
@@ -39,6 +40,7 @@ public:
 
 private:
     bool _skipWhiteSpace();
+    void _skipComment();
     void _readIdentifier(char* buf, int size);
 
     int _lineNumber = 1;

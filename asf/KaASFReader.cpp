@@ -1188,8 +1188,13 @@ void KaASF::read(const char* path)
         return;
     }
     scanFrom(in);
-    if (theExceptObj.errorOccurred())
-        KtError("Unable to read '%s'.", path);
+    // A decompression command that failed has cut the text short, though
+    // what came through may read as a whole skeleton.
+    in.close();
+    if (!theExceptObj.errorOccurred())
+        return;
+    _clear();
+    KtError("Unable to read '%s'.", path);
 }
 
 int KaASF::streamContainsASF(std::istream& in,

@@ -82,6 +82,17 @@ void writeAngles(std::ostream& out, const KtArray<float>& angles, bool degrees)
     }
 }
 
+// Three codes of X, Y or Z, as the reader makes them.
+bool isAxisOrder(const KtArray<int>& order)
+{
+    if (order.count() != 3)
+        return false;
+    for (int code : order)
+        if (code < 1 || code > 3)
+            return false;
+    return true;
+}
+
 // "xyz": the letters without separators.
 void writeAxisOrder(std::ostream& out, const KtArray<int>& order)
 {
@@ -252,10 +263,17 @@ void KaASFDOFGroup::printOn(std::ostream& out, int degrees) const
 // on the same line; the reader takes "position" as the end of the empty list.
 void KaASFRoot::printOn(std::ostream& out, int degrees) const
 {
-    out << ":root\n"
-        << "  axis ";
-    writeAxisOrder(out, _axisOrder);
-    out << '\n' << "  order";
+    out << ":root\n";
+    // A root that was never given an axis order (a file without a :root
+    // section) has no word to write; without the line it reads back the
+    // same, where an empty one could not be read at all.
+    if (isAxisOrder(_axisOrder))
+    {
+        out << "  axis ";
+        writeAxisOrder(out, _axisOrder);
+        out << '\n';
+    }
+    out << "  order";
     if (_dofGroup.numDOFs() > 0)
     {
         writeDOFList(out, _dofGroup);

@@ -147,7 +147,7 @@ KtCompIFStream::KtCompIFStream()
 KtCompIFStream::~KtCompIFStream()
 {
     if (is_open())
-        close();
+        _close(false);
 }
 
 // The access check names the caller's path, not the resolved sibling, so the
@@ -181,9 +181,32 @@ void KtCompIFStream::open(const char* path, std::ios_base::openmode mode)
 
 void KtCompIFStream::close()
 {
+    _close(true);
+}
+
+// A command whose output was read to its end has finished or is about to,
+// so it is waited for; one that still has data is stopped.
+void KtCompIFStream::_close(bool checkCommand)
+{
+    bool atEnd = _tool && is_open() &&
+                 traits_type::eq_int_type(rdbuf()->sgetc(), traits_type::eof());
     std::ifstream::close();
-    _pipe.finish(true);
+    int status = _pipe.finish(!atEnd);
     _removeNamedPipe();
+    if (checkCommand && atEnd && status != 0)
+    {
+        if (status > 0)
+            KtError("'%s' ended with status %d on '%s'.",
+                    _tool,
+                    status,
+                    _file.text());
+        else
+            KtError(
+                "'%s' was stopped by a signal on '%s'.", _tool, _file.text());
+        KtError("Unable to decompress file.");
+        setstate(std::ios_base::failbit);
+    }
+    _tool = nullptr;
 }
 
 // An error pending from before this open also stops it.
@@ -244,6 +267,8 @@ const char* KtCompIFStream::_spawnUncompress(const char* file, const char* type)
         reportSpawnFailure(error);
         return nullptr;
     }
+    _tool = compression->inputTool;
+    _file = file;
     return _pipe.name();
 }
 
@@ -257,6 +282,7 @@ void KtCompIFStream::_abandon()
 {
     _pipe.finish(true);
     _removeNamedPipe();
+    _tool = nullptr;
     setstate(std::ios_base::failbit);
 }
 

@@ -4,6 +4,7 @@
 
 #include <fstream>
 
+#include "toolkit/KtStr.h"
 #include "toolkit/Kt_CompPipe.h"
 
 // Opens a file for reading; when the name ends in ".Z", ".gz" or ".jpeg"
@@ -11,7 +12,7 @@
 // the matching decompression command (uncompress, gunzip, djpeg), found
 // through PATH. Failures set the stream's fail state and record their
 // reasons in the error handler. A command that fails or meets a corrupt file
-// simply ends the data early.
+// ends the data early; close() at the end of the data reports it.
 class KtCompIFStream : public std::ifstream
 {
 public:
@@ -24,6 +25,9 @@ public:
               std::ios_base::openmode mode = std::ios_base::in);
     // Closes the file. A decompression command that is still running is
     // stopped: closing before the end never waits for the rest of the data.
+    // Closing at the end waits for the command, and when it failed (a
+    // truncated or corrupt file, whose data may have ended early) records
+    // why and sets the fail state; the destructor closes without that check.
     void close();
 
     // 1 when the stream reads through a decompression command.
@@ -37,10 +41,15 @@ private:
     const char* _spawnUncompress(const char* file, const char* type);
     void _removeNamedPipe();
     void _abandon();
+    void _close(bool checkCommand);
 
     int _instance;
     int _compressed = 0;
     Kt_CompPipe _pipe;
+    // The running decompression command and its file, for the message when
+    // it fails.
+    const char* _tool = nullptr;
+    KtStr _file;
     static int _next_instance;
 };
 

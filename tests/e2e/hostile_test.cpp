@@ -1,0 +1,272 @@
+// Hostile inputs through the real program: Windows line ends, bones the
+// skeleton lacks, a skeleton without bones, a chain 100,000 bones deep,
+// values and frame numbers at the edges, and outputs that cannot be written.
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "e2e/e2e_runner.h"
+#include "support/test_helpers.h"
+#include "toolkit/KtFile.h"
+
+namespace
+{
+
+const std::string kSkeleton = ":version 1.10\n"
+                              ":units\n  length 1\n  angle deg\n"
+                              ":root\n  order TX TY TZ RX RY RZ\n  axis XYZ\n"
+                              "  position 0 0 0\n  orientation 0 0 0\n"
+                              ":bonedata\n"
+                              "  begin name arm direction 1 0 0 length 2\n"
+                              "    axis 0 0 0 XYZ dof rx ry rz end\n"
+                              ":hierarchy\n  begin\n    root arm\n  end\n";
+
+const std::string kHeader = ":FULLY-SPECIFIED\n:DEGREES\n";
+
+std::string withCRLF(const std::string& text)
+{
+    std::string crlf;
+    for (char c : text)
+        crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    return crlf;
+}
+
+// One conversion in a fresh folder; the outputs' texts once it has run.
+struct Conversion
+{
+    TempDir dir;
+    std::string asf = dir.file("body.asf");
+    std::string amc = dir.file("move.amc");
+    std::string mel = dir.file("move.mel");
+    std::string mov = dir.file("move.mov");
+    RunResult run;
+
+    Conversion(const std::string& skeleton, const std::string& motion)
+    {
+        writeFile(asf, skeleton);
+        writeFile(amc, motion);
+        run = runMotbake({"-f", asf, amc, "30", mel, mov});
+    }
+    std::string melText() const { return readFile(mel); }
+    std::string movText() const { return readFile(mov); }
+};
+
+} // namespace
+
+// Pairs of inputs that differ only in what the converter must not notice
+// convert to the same files.
+TEST(MotbakeHostile, TwinInputsConvertToTheSameFiles)
+{
+    const std::string human = readFile(EXAMPLES_DIR "/human.asf");
+    const std::string walk = readFile(EXAMPLES_DIR "/walk.amc");
+    const std::string motion = kHeader + "1\nroot 1 2 3 4 5 6\narm 7 8 9\n" +
+                               "2\nroot 0 1 0 1 0 1\narm 1 1 1\n";
+    const std::string strangers =
+        kHeader + "1\nroot 1 2 3 4 5 6\nghost 1 2\narm 7 8 9\nlegs\n" +
+        "2\nroot 0 1 0 1 0 1\nghost 3 4\narm 1 1 1\nlegs 5 6 7 8\n";
+    const struct
+    {
+        const char* what;
+        std::string skeleton[2];
+        std::string motion[2];
+    } cases[] = {
+        {"Windows line ends in both files",
+         {human, withCRLF(human)},
+         {walk, withCRLF(walk)}},
+        {"motion bones that the skeleton lacks",
+         {kSkeleton, kSkeleton},
+         {motion, strangers}},
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.what);
+        Conversion plain(c.skeleton[0], c.motion[0]);
+        Conversion twin(c.skeleton[1], c.motion[1]);
+        EXPECT_EQ(0, plain.run.status);
+        EXPECT_EQ(0, twin.run.status);
+        EXPECT_EQ(plain.run.err, twin.run.err);
+        EXPECT_EQ(plain.melText(), twin.melText());
+        EXPECT_EQ(plain.movText(), twin.movText());
+    }
+}
+
+// Bodies the skeleton does not have get no channels; the root alone is
+// converted.
+TEST(MotbakeHostile, ASkeletonWithoutBonesConvertsTheRoot)
+{
+    const std::string rootOnly =
+        ":version 1.10\n:root\n  order TX TY TZ RX RY RZ\n  axis XYZ\n"
+        ":hierarchy\n  begin\n  end\n";
+    Conversion job(rootOnly, kHeader + "1\nroot 1 2 3 4 5 6\narm 7 8 9\n");
+    EXPECT_EQ(0, job.run.status);
+    EXPECT_EQ("", job.run.err);
+    EXPECT_EQ("0.0333333 1 2 3 4 5 6 \n", job.movText());
+    EXPECT_EQ(std::string::npos, job.melText().find("arm"));
+}
+
+// Reading, evaluating and writing walk the hierarchy without recursion.
+TEST(MotbakeHostile, AChain100000BonesDeepConverts)
+{
+    const int depth = 100000;
+    std::string skeleton = ":version 1.10\n:units\n  angle deg\n"
+                           ":root\n  order TX TY TZ RX RY RZ\n  axis XYZ\n"
+                           ":bonedata\n";
+    for (int i = 0; i < depth; ++i)
+        skeleton += "begin name b" + std::to_string(i) +
+                    " direction 1 0 0 length 1 axis 0 0 0 XYZ" +
+                    (i == depth - 1 ? " dof tx rz" : "") + " end\n";
+    skeleton += ":hierarchy\n  begin\n    root b0\n";
+    for (int i = 1; i < depth; ++i)
+        skeleton +=
+            "    b" + std::to_string(i - 1) + " b" + std::to_string(i) + "\n";
+    skeleton += "  end\n";
+    Conversion job(skeleton, kHeader + "1\nroot 0 0 0 0 0 0\nb99999 5 30\n");
+    EXPECT_EQ(0, job.run.status);
+    EXPECT_EQ("", job.run.err);
+    // One bone length from its parent's origin, then its own translation.
+    EXPECT_EQ("0.0333333 0 0 0 0 0 0 6 0 0 30 \n", job.movText());
+}
+
+// A value that is no number for a stream (nan, inf, 1e39) ends the line's
+// values; the run then fails instead of converting fewer values. Frame
+// numbers at the limits of int convert.
+TEST(MotbakeHostile, MotionsAtTheEdgesConvertOrFailClearly)
+{
+    const struct
+    {
+        std::string frames;
+        int status;
+        std::string mov;
+    } cases[] = {
+        {"-2147483648\nroot 0 0 0 0 0 0\narm 1 2 3\n"
+         "2147483647\nroot 0 0 0 0 0 0\narm 1 2 3\n",
+         0,
+         "-7.15828e+07 0 0 0 0 0 0 1 2 3 \n"
+         "7.15828e+07 0 0 0 0 0 0 1 2 3 \n"},
+        {"0\nroot 0 0 0 0 0 0\narm 1 nan 3\n", 1, "0 0 0 0 0 0 0 "},
+        {"0\nroot 0 0 0 0 0 0\narm 1 inf 3\n", 1, "0 0 0 0 0 0 0 "},
+        {"0\nroot 0 0 0 1e39 0 0\narm 1 2 3\n", 1, "0 "},
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.frames);
+        Conversion job(kSkeleton, kHeader + c.frames);
+        EXPECT_EQ(c.status, job.run.status);
+        EXPECT_EQ(c.mov, job.movText());
+        if (c.status != 0)
+        {
+            EXPECT_NE(std::string::npos,
+                      job.run.err.find("ERROR: Unable to save \"" + job.mov));
+        }
+    }
+}
+
+// Output that the system could not take is a failure, reported under the
+// reason, never "done." alone and success; the MOV file is not attempted
+// after a failed MEL file.
+TEST(MotbakeHostile, OutputsThatCannotBeWrittenFailTheRun)
+{
+    std::string longMotion = kHeader;
+    for (int frame = 1; frame <= 20000; ++frame)
+        longMotion += std::to_string(frame) +
+                      "\nroot 1.25 2.5 3.75 10 20 30\narm 11 22 33\n";
+    const std::string full = "ERROR: Unable to save \"/dev/full\".\n"
+                             "       The file could not be written "
+                             "completely: No space left on device.\n";
+    TempDir dir;
+    writeFile(dir.file("body.asf"), kSkeleton);
+    writeFile(dir.file("move.amc"), longMotion);
+    const std::string mel = dir.file("move.mel");
+    const std::string mov = dir.file("move.mov");
+    for (const auto& outputs : {std::vector<std::string>{mel, "/dev/full"},
+                                std::vector<std::string>{"/dev/full", mov}})
+    {
+        SCOPED_TRACE(outputs[0]);
+        RunResult run = runMotbake({"-f",
+                                    dir.file("body.asf"),
+                                    dir.file("move.amc"),
+                                    "30",
+                                    outputs[0],
+                                    outputs[1]});
+        EXPECT_EQ(1, run.status);
+        EXPECT_EQ("\n\n" + full + "\n", run.err);
+        EXPECT_NE(std::string::npos,
+                  run.out.find("Writing \"/dev/full\"...done.\n"));
+        EXPECT_FALSE(KtFileExists(mov.c_str()));
+    }
+}
+
+// A compressed input whose command fails (here a damaged checksum, after
+// all the data came through) is a failed read, not a shorter input.
+TEST(MotbakeHostile, ADamagedCompressedInputFailsTheRead)
+{
+    const std::string motion = kHeader + "1\nroot 1 2 3 4 5 6\narm 7 8 9\n";
+    for (bool damageSkeleton : {true, false})
+    {
+        SCOPED_TRACE(damageSkeleton ? "skeleton" : "motion");
+        TempDir dir;
+        const std::string asf = dir.file("body.asf");
+        const std::string amc = dir.file("move.amc");
+        writeFile(asf, kSkeleton);
+        writeFile(amc, motion);
+        const std::string damaged = damageSkeleton ? asf : amc;
+        ASSERT_EQ(0, std::system(("gzip -n " + damaged).c_str()));
+        std::string packed = readFile(damaged + ".gz");
+        packed[packed.size() - 8] ^= 0x55; // the checksum of the data
+        writeFile(damaged + ".gz", packed);
+        RunResult run = runMotbake({"-f",
+                                    damageSkeleton ? asf + ".gz" : asf,
+                                    damageSkeleton ? amc : amc + ".gz",
+                                    "30",
+                                    dir.file("move.mel"),
+                                    dir.file("move.mov")});
+        EXPECT_EQ(1, run.status);
+        const std::string gz = damaged + ".gz";
+        EXPECT_NE(
+            std::string::npos,
+            run.err.find(errorBlock(
+                {("Unable to read '" + gz + "'.").c_str(),
+                 "Unable to decompress file.",
+                 ("'gunzip' ended with status 1 on '" + gz + "'.").c_str()})))
+            << run.err;
+        EXPECT_EQ(std::string::npos, run.out.find(gz + " ...done."));
+        EXPECT_FALSE(KtFileExists(dir.file("move.mel").c_str()));
+    }
+}
+
+// Thousands of translating bones, as one chain and all under the root: the
+// per-frame path must not walk a chain (or search a frame) for every body,
+// which would take minutes here; the test's time limit catches that.
+TEST(MotbakeHostile, ManyTranslatingBonesConvert)
+{
+    const int bones = 3000;
+    for (bool chain : {true, false})
+    {
+        SCOPED_TRACE(chain ? "a chain" : "all under the root");
+        std::string skeleton = ":version 1.10\n:root\n  order TX TY TZ\n"
+                               "  axis XYZ\n:bonedata\n";
+        std::string hierarchy = ":hierarchy\n  begin\n    root c0\n";
+        std::string motion = kHeader;
+        for (int i = 0; i < bones; ++i)
+        {
+            const std::string name = "c" + std::to_string(i);
+            skeleton += "begin name " + name +
+                        " direction 1 0 0 length 1 axis 0 0 0 xyz dof tx end\n";
+            if (i > 0)
+                hierarchy +=
+                    chain ? "    c" + std::to_string(i - 1) + " " + name + "\n"
+                          : "    root " + name + "\n";
+        }
+        for (int frame = 1; frame <= 3; ++frame)
+        {
+            motion += std::to_string(frame) + "\nroot 0 0 0\n";
+            for (int i = 0; i < bones; ++i)
+                motion += "c" + std::to_string(i) + " 1\n";
+        }
+        Conversion job(skeleton + hierarchy + "  end\n", motion);
+        EXPECT_EQ(0, job.run.status);
+        EXPECT_EQ("", job.run.err);
+    }
+}
