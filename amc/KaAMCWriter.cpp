@@ -5,7 +5,6 @@
 #include "amc/KaAMC.h"
 #include "toolkit/KtCompStream.h"
 #include "toolkit/KtError.h"
-#include "toolkit/KtFile.h"
 
 // Values use the stream's default format, six significant digits; no flag
 // is set here.
@@ -84,26 +83,7 @@ void KaAMC::printOn(std::ostream& out) const
     }
 }
 
-// A disk that fills up shows only when the buffered text is flushed, so
-// closing is checked too.
 void KaAMC::save(const char* path) const
 {
-    if (!KtPathCheckWriteAccess(path))
-        return;
-    KtCompOFStream out;
-    out.open(path);
-    if (out.fail())
-    {
-        KtError("Unable to open '%s'.", path);
-        return;
-    }
-    printOn(out);
-    if (theExceptObj.errorOccurred())
-    {
-        KtError("Unable to write '%s'.", path);
-        return;
-    }
-    out.close();
-    if (out.fail())
-        KtError("Unable to write '%s'.", path);
+    KtSaveDocument(path, [this](std::ostream& out) { printOn(out); });
 }

@@ -8,7 +8,6 @@
 #include "asf/KaAxisOrder.h"
 #include "toolkit/KtCompStream.h"
 #include "toolkit/KtError.h"
-#include "toolkit/KtFile.h"
 
 namespace
 {
@@ -350,32 +349,9 @@ void KaASF::printOn(std::ostream& out) const
         out << ":skin " << skin << '\n';
 }
 
-// A path that fails the write check is not opened; the check's messages
-// already name it. Text that the stream could not take - a full disk shows
-// only when the buffer is flushed - is reported after writing and again
-// after closing.
 void KaASF::save(const char* path) const
 {
-    if (!path)
-        path = "";
-    if (!KtPathCheckWriteAccess(path))
-        return;
-    KtCompOFStream out;
-    out.open(path);
-    if (out.fail())
-    {
-        KtError("Unable to open '%s'.", path);
-        return;
-    }
-    printOn(out);
-    if (theExceptObj.errorOccurred() || out.fail())
-    {
-        KtError("Unable to write '%s'.", path);
-        return;
-    }
-    out.close();
-    if (out.fail())
-        KtError("Unable to write '%s'.", path);
+    KtSaveDocument(path, [this](std::ostream& out) { printOn(out); });
 }
 
 // A debugging aid: each bone with its id and its parent's address, name and

@@ -414,3 +414,28 @@ void KtCompOFStream::_abandon()
     _removeNamedPipe();
     setstate(std::ios_base::failbit);
 }
+
+void KtSaveDocument(const char* path,
+                    const std::function<void(std::ostream&)>& print)
+{
+    if (!path)
+        path = "";
+    if (!KtPathCheckWriteAccess(path))
+        return;
+    KtCompOFStream out;
+    out.open(path);
+    if (out.fail())
+    {
+        KtError("Unable to open '%s'.", path);
+        return;
+    }
+    print(out);
+    bool complete = !theExceptObj.errorOccurred() && !out.fail();
+    if (complete)
+    {
+        out.close();
+        complete = !out.fail();
+    }
+    if (!complete)
+        KtError("Unable to write '%s'.", path);
+}

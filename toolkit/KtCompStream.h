@@ -3,6 +3,7 @@
 #pragma once
 
 #include <fstream>
+#include <functional>
 
 #include "toolkit/KtStr.h"
 #include "toolkit/Kt_CompPipe.h"
@@ -91,3 +92,12 @@ private:
     Kt_PipeWriteBuf _pipeBuffer;
     static int _next_instance;
 };
+
+// Saves a document: the write check, a KtCompOFStream (so that a name ending
+// in ".Z", ".gz" or ".jpeg" is compressed), print, and a close that confirms
+// the data reached the file (a full disk or a failing compressor shows only
+// then). Failures are recorded: "Unable to open '%s'." or "Unable to write
+// '%s'." over their cause; a failed write check adds nothing to its own
+// messages.
+void KtSaveDocument(const char* path,
+                    const std::function<void(std::ostream&)>& print);
