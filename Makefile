@@ -69,7 +69,8 @@ fuzz:
 	      -DMOTBAKE_BUILD_TESTS=OFF
 	cmake --build $(FUZZ_DIR) -j $(JOBS)
 	@for target in $(FUZZ_TARGETS); do \
-	    mkdir -p fuzz/work/$$target fuzz/work/$$target-artifacts && \
+	    mkdir -p fuzz/work/$$target fuzz/work/$$target-artifacts \
+	        fuzz/findings/$$target && \
 	    echo "== fuzzing $$target for $(FUZZ_SECONDS) s" && \
 	    $(FUZZ_DIR)/fuzz/fuzz_$$target -max_total_time=$(FUZZ_SECONDS) \
 	        -max_len=65536 -timeout=10 -malloc_limit_mb=256 \
