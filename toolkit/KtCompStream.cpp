@@ -36,6 +36,12 @@ constexpr Compression kCompressions[] = {
     {".jpeg", "jpeg", "djpeg", "-gsi", "cjpeg", "-gsi", 0},
 };
 
+enum Direction
+{
+    kDecompress,
+    kCompress
+};
+
 constexpr const char* kInputPipeStem = "compifstream";
 constexpr const char* kOutputPipeStem = "compofstream";
 
@@ -109,6 +115,36 @@ int findInPath(const char* command, KtStr* out)
         entry += length;
     }
     return 0;
+}
+
+// The compression of a type and the full path of its command for one
+// direction; null, with the reason recorded, when either is missing. The
+// messages read "Cannot find command 'gunzip' to uncompress ..." and
+// "... to compress ...".
+const Compression* usableCompression(const char* type,
+                                     Direction direction,
+                                     const char* file,
+                                     KtStr* toolPath)
+{
+    const Compression* compression = compressionOfType(type);
+    if (!compression)
+    {
+        KtError("Unknown compression extension '%s'.", type);
+        return nullptr;
+    }
+    bool decompress = direction == kDecompress;
+    const char* tool =
+        decompress ? compression->inputTool : compression->outputTool;
+    if (!findInPath(tool, toolPath))
+    {
+        KtError("Cannot find command '%s' to %s\n'%s'.\nThis command needs to "
+                "be in your path.",
+                tool,
+                decompress ? "uncompress" : "compress",
+                file);
+        return nullptr;
+    }
+    return compression;
 }
 
 // The command takes the file as an argument; a name that starts with '-'
@@ -243,21 +279,11 @@ void KtCompIFStream::_createNamedPipe()
 
 const char* KtCompIFStream::_spawnUncompress(const char* file, const char* type)
 {
-    const Compression* compression = compressionOfType(type);
-    if (!compression)
-    {
-        KtError("Unknown compression extension '%s'.", type);
-        return nullptr;
-    }
     KtStr toolPath;
-    if (!findInPath(compression->inputTool, &toolPath))
-    {
-        KtError("Cannot find command '%s' to uncompress\n'%s'.\nThis command "
-                "needs to be in your path.",
-                compression->inputTool,
-                file);
+    const Compression* compression =
+        usableCompression(type, kDecompress, file, &toolPath);
+    if (!compression)
         return nullptr;
-    }
     KtStr argument = commandArgument(file);
     const char* argv[] = {
         compression->inputTool, compression->inputFlag, argument, nullptr};
@@ -370,21 +396,11 @@ void KtCompOFStream::_createNamedPipe()
 // emptied) here as the shell's redirection would do it.
 const char* KtCompOFStream::_spawnCompress(const char* file, const char* type)
 {
-    const Compression* compression = compressionOfType(type);
-    if (!compression)
-    {
-        KtError("Unknown compression extension '%s'.", type);
-        return nullptr;
-    }
     KtStr toolPath;
-    if (!findInPath(compression->outputTool, &toolPath))
-    {
-        KtError("Cannot find command '%s' to compress\n'%s'.\nThis command "
-                "needs to be in your path.",
-                compression->outputTool,
-                file);
+    const Compression* compression =
+        usableCompression(type, kCompress, file, &toolPath);
+    if (!compression)
         return nullptr;
-    }
     int output = ::open(file, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (output < 0)
     {
