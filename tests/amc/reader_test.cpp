@@ -241,6 +241,8 @@ TEST(KaAMCReader, ReadsFieldsAsWritten)
         {"1\nroot 1\nlhand 9\nrhand", "1: root 1, lhand 9; "},
         // The longest name and value line (its blank included) that fit.
         {"7\n" + name118 + values126, "7: " + name118 + " 1 2; "},
+        {withCRLF("7\n" + name118 + values126 + "\n"),
+         "7: " + name118 + " 1 2; "},
         {"7\nroot 1\n" + name118 + "nX 1\n",
          errorBlock({"Unable to read field.",
                      "Unable to read bone name for field 7.",

@@ -1,9 +1,8 @@
 // Hostile inputs through the real program: Windows line ends, bones the
 // skeleton lacks, a skeleton without bones, a chain 100,000 bones deep,
-// values and frame numbers at the edges, and outputs that cannot be written.
+// values and frame numbers at the edges, and damaged compressed input.
 #include <cstdlib>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -24,14 +23,6 @@ const std::string kSkeleton = ":version 1.10\n"
                               ":hierarchy\n  begin\n    root arm\n  end\n";
 
 const std::string kHeader = ":FULLY-SPECIFIED\n:DEGREES\n";
-
-std::string withCRLF(const std::string& text)
-{
-    std::string crlf;
-    for (char c : text)
-        crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    return crlf;
-}
 
 // One conversion in a fresh folder; the outputs' texts once it has run.
 struct Conversion
@@ -106,27 +97,36 @@ TEST(MotbakeHostile, ASkeletonWithoutBonesConvertsTheRoot)
     EXPECT_EQ(std::string::npos, job.melText().find("arm"));
 }
 
-// Reading, evaluating and writing walk the hierarchy without recursion.
-TEST(MotbakeHostile, AChain100000BonesDeepConverts)
+// Reading, evaluating and writing walk the hierarchy without recursion, and
+// the per-frame path neither walks the chain nor searches the frame for
+// every body, which would take minutes here (the test's time limit catches
+// that). Each bone stands one bone length from its parent's origin, then
+// its own translation; the first one hangs from the root.
+TEST(MotbakeHostile, AChain100000TranslatingBonesDeepConverts)
 {
     const int depth = 100000;
     std::string skeleton = ":version 1.10\n:units\n  angle deg\n"
                            ":root\n  order TX TY TZ RX RY RZ\n  axis XYZ\n"
                            ":bonedata\n";
+    std::string hierarchy = ":hierarchy\n  begin\n    root b0\n";
+    std::string motion = kHeader + "1\nroot 0 0 0 0 0 0\n";
+    std::string mov = "0.0333333 0 0 0 0 0 0 1 0 0 ";
     for (int i = 0; i < depth; ++i)
-        skeleton += "begin name b" + std::to_string(i) +
-                    " direction 1 0 0 length 1 axis 0 0 0 XYZ" +
-                    (i == depth - 1 ? " dof tx rz" : "") + " end\n";
-    skeleton += ":hierarchy\n  begin\n    root b0\n";
-    for (int i = 1; i < depth; ++i)
-        skeleton +=
-            "    b" + std::to_string(i - 1) + " b" + std::to_string(i) + "\n";
-    skeleton += "  end\n";
-    Conversion job(skeleton, kHeader + "1\nroot 0 0 0 0 0 0\nb99999 5 30\n");
+    {
+        const std::string name = "b" + std::to_string(i);
+        skeleton += "begin name " + name +
+                    " direction 1 0 0 length 1 axis 0 0 0 XYZ dof tx end\n";
+        if (i > 0)
+        {
+            hierarchy += "    b" + std::to_string(i - 1) + " " + name + "\n";
+            mov += "2 0 0 ";
+        }
+        motion += name + " 1\n";
+    }
+    Conversion job(skeleton + hierarchy + "  end\n", motion);
     EXPECT_EQ(0, job.run.status);
     EXPECT_EQ("", job.run.err);
-    // One bone length from its parent's origin, then its own translation.
-    EXPECT_EQ("0.0333333 0 0 0 0 0 0 6 0 0 30 \n", job.movText());
+    EXPECT_TRUE(job.movText() == mov + "\n");
 }
 
 // A value that is no number for a stream (nan, inf, 1e39) ends the line's
@@ -163,41 +163,6 @@ TEST(MotbakeHostile, MotionsAtTheEdgesConvertOrFailClearly)
     }
 }
 
-// Output that the system could not take is a failure, reported under the
-// reason, never "done." alone and success; the MOV file is not attempted
-// after a failed MEL file.
-TEST(MotbakeHostile, OutputsThatCannotBeWrittenFailTheRun)
-{
-    std::string longMotion = kHeader;
-    for (int frame = 1; frame <= 20000; ++frame)
-        longMotion += std::to_string(frame) +
-                      "\nroot 1.25 2.5 3.75 10 20 30\narm 11 22 33\n";
-    const std::string full = "ERROR: Unable to save \"/dev/full\".\n"
-                             "       The file could not be written "
-                             "completely: No space left on device.\n";
-    TempDir dir;
-    writeFile(dir.file("body.asf"), kSkeleton);
-    writeFile(dir.file("move.amc"), longMotion);
-    const std::string mel = dir.file("move.mel");
-    const std::string mov = dir.file("move.mov");
-    for (const auto& outputs : {std::vector<std::string>{mel, "/dev/full"},
-                                std::vector<std::string>{"/dev/full", mov}})
-    {
-        SCOPED_TRACE(outputs[0]);
-        RunResult run = runMotbake({"-f",
-                                    dir.file("body.asf"),
-                                    dir.file("move.amc"),
-                                    "30",
-                                    outputs[0],
-                                    outputs[1]});
-        EXPECT_EQ(1, run.status);
-        EXPECT_EQ("\n\n" + full + "\n", run.err);
-        EXPECT_NE(std::string::npos,
-                  run.out.find("Writing \"/dev/full\"...done.\n"));
-        EXPECT_FALSE(KtFileExists(mov.c_str()));
-    }
-}
-
 // A compressed input whose command fails (here a damaged checksum, after
 // all the data came through) is a failed read, not a shorter input.
 TEST(MotbakeHostile, ADamagedCompressedInputFailsTheRead)
@@ -212,61 +177,28 @@ TEST(MotbakeHostile, ADamagedCompressedInputFailsTheRead)
         writeFile(asf, kSkeleton);
         writeFile(amc, motion);
         const std::string damaged = damageSkeleton ? asf : amc;
+        const std::string gz = damaged + ".gz";
         ASSERT_EQ(0, std::system(("gzip -n " + damaged).c_str()));
-        std::string packed = readFile(damaged + ".gz");
+        std::string packed = readFile(gz);
         packed[packed.size() - 8] ^= 0x55; // the checksum of the data
-        writeFile(damaged + ".gz", packed);
+        writeFile(gz, packed);
+        const std::string mel = dir.file("move.mel");
         RunResult run = runMotbake({"-f",
-                                    damageSkeleton ? asf + ".gz" : asf,
-                                    damageSkeleton ? amc : amc + ".gz",
+                                    damageSkeleton ? gz : asf,
+                                    damageSkeleton ? amc : gz,
                                     "30",
-                                    dir.file("move.mel"),
+                                    mel,
                                     dir.file("move.mov")});
         EXPECT_EQ(1, run.status);
-        const std::string gz = damaged + ".gz";
-        EXPECT_NE(
-            std::string::npos,
-            run.err.find(errorBlock(
-                {("Unable to read '" + gz + "'.").c_str(),
-                 "Unable to decompress file.",
-                 ("'gunzip' ended with status 1 on '" + gz + "'.").c_str()})))
+        const std::string reading = "Unable to read '" + gz + "'.";
+        const std::string status =
+            "'gunzip' ended with status 1 on '" + gz + "'.";
+        EXPECT_NE(std::string::npos,
+                  run.err.find(errorBlock({reading.c_str(),
+                                           "Unable to decompress file.",
+                                           status.c_str()})))
             << run.err;
         EXPECT_EQ(std::string::npos, run.out.find(gz + " ...done."));
-        EXPECT_FALSE(KtFileExists(dir.file("move.mel").c_str()));
-    }
-}
-
-// Thousands of translating bones, as one chain and all under the root: the
-// per-frame path must not walk a chain (or search a frame) for every body,
-// which would take minutes here; the test's time limit catches that.
-TEST(MotbakeHostile, ManyTranslatingBonesConvert)
-{
-    const int bones = 3000;
-    for (bool chain : {true, false})
-    {
-        SCOPED_TRACE(chain ? "a chain" : "all under the root");
-        std::string skeleton = ":version 1.10\n:root\n  order TX TY TZ\n"
-                               "  axis XYZ\n:bonedata\n";
-        std::string hierarchy = ":hierarchy\n  begin\n    root c0\n";
-        std::string motion = kHeader;
-        for (int i = 0; i < bones; ++i)
-        {
-            const std::string name = "c" + std::to_string(i);
-            skeleton += "begin name " + name +
-                        " direction 1 0 0 length 1 axis 0 0 0 xyz dof tx end\n";
-            if (i > 0)
-                hierarchy +=
-                    chain ? "    c" + std::to_string(i - 1) + " " + name + "\n"
-                          : "    root " + name + "\n";
-        }
-        for (int frame = 1; frame <= 3; ++frame)
-        {
-            motion += std::to_string(frame) + "\nroot 0 0 0\n";
-            for (int i = 0; i < bones; ++i)
-                motion += "c" + std::to_string(i) + " 1\n";
-        }
-        Conversion job(skeleton + hierarchy + "  end\n", motion);
-        EXPECT_EQ(0, job.run.status);
-        EXPECT_EQ("", job.run.err);
+        EXPECT_FALSE(KtFileExists(mel.c_str()));
     }
 }

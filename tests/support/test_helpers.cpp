@@ -97,6 +97,14 @@ std::string readFile(const std::string& path)
     return text.str();
 }
 
+std::string withCRLF(const std::string& text)
+{
+    std::string crlf;
+    for (char c : text)
+        crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    return crlf;
+}
+
 std::string printedChain()
 {
     StreamCapture capture(std::cerr);

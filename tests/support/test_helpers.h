@@ -60,6 +60,8 @@ private:
 
 void writeFile(const std::string& path, const std::string& content);
 std::string readFile(const std::string& path);
+// The text with every "\n" turned into "\r\n", as a Windows tool writes it.
+std::string withCRLF(const std::string& text);
 
 // What KtCheckException prints for the pending chain (and clears it); empty
 // when nothing is pending.
