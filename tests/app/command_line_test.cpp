@@ -112,13 +112,8 @@ TEST(CommandLine, HelpOptionsAndArgumentChecks)
     EXPECT_EQ(0u, banner.find("\nmotbake version 1.1\n\n"));
     const std::string count = "ERROR: Invalid number of arguments.\n";
     const std::string fps = "ERROR: Invalid value for fps.\n";
-    const struct
-    {
-        std::vector<const char*> args;
-        int status;
-        std::string out;
-        std::string err;
-    } cases[] = {
+    // clang-format off
+    const struct { std::vector<const char*> args; int status; std::string out, err; } cases[] = {
         {{}, 0, "\nUSAGE\n" + kUsage + "\nVERSION\n  1.1\n\n", ""},
         {{"-h"}, 0, manual, ""},
         {{"-H"}, 0, manual, ""},
@@ -133,8 +128,8 @@ TEST(CommandLine, HelpOptionsAndArgumentChecks)
         {{"a", "b", "30", "c", "d", "-f"}, 1, banner, count},
         {{"a", "b", "29", "c", "d"}, 1, banner, fps},
         {{"a", "b", "30.0", "c", "d"}, 1, banner, fps},
-        {{"a", "b", "abc", "c", "d"}, 1, banner, fps},
-    };
+        {{"a", "b", "abc", "c", "d"}, 1, banner, fps}};
+    // clang-format on
     for (const auto& c : cases)
     {
         Outcome run = runMain(c.args);

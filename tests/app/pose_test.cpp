@@ -26,13 +26,6 @@ constexpr int kY = 1;
 constexpr int kZ = 2;
 constexpr float kQuarter = 1.5707963267948966f;
 
-Kt4X4FloatMat operator*(const Kt4X4FloatMat& a, const Kt4X4FloatMat& b)
-{
-    Kt4X4FloatMat m;
-    Kt4X4FloatMat::multiply(m, a, b);
-    return m;
-}
-
 // The axis order Z, Y, X.
 KtArray<int> reversedOrder()
 {

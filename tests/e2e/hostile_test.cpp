@@ -57,19 +57,11 @@ TEST(MotbakeHostile, TwinInputsConvertToTheSameFiles)
     const std::string strangers =
         kHeader + "1\nroot 1 2 3 4 5 6\nghost 1 2\narm 7 8 9\nlegs\n" +
         "2\nroot 0 1 0 1 0 1\nghost 3 4\narm 1 1 1\nlegs 5 6 7 8\n";
-    const struct
-    {
-        const char* what;
-        std::string skeleton[2];
-        std::string motion[2];
-    } cases[] = {
-        {"Windows line ends in both files",
-         {human, withCRLF(human)},
-         {walk, withCRLF(walk)}},
-        {"motion bones that the skeleton lacks",
-         {kSkeleton, kSkeleton},
-         {motion, strangers}},
-    };
+    // clang-format off
+    const struct { const char* what; std::string skeleton[2]; std::string motion[2]; } cases[] = {
+        {"Windows line ends in both files", {human, withCRLF(human)}, {walk, withCRLF(walk)}},
+        {"motion bones that the skeleton lacks", {kSkeleton, kSkeleton}, {motion, strangers}}};
+    // clang-format on
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.what);
@@ -134,21 +126,14 @@ TEST(MotbakeHostile, AChain100000TranslatingBonesDeepConverts)
 // numbers at the limits of int convert.
 TEST(MotbakeHostile, MotionsAtTheEdgesConvertOrFailClearly)
 {
-    const struct
-    {
-        std::string frames;
-        int status;
-        std::string mov;
-    } cases[] = {
-        {"-2147483648\nroot 0 0 0 0 0 0\narm 1 2 3\n"
-         "2147483647\nroot 0 0 0 0 0 0\narm 1 2 3\n",
-         0,
-         "-7.15828e+07 0 0 0 0 0 0 1 2 3 \n"
-         "7.15828e+07 0 0 0 0 0 0 1 2 3 \n"},
+    const std::string arm = "\nroot 0 0 0 0 0 0\narm 1 2 3\n";
+    // clang-format off
+    const struct { std::string frames; int status; std::string mov; } cases[] = {
+        {"-2147483648" + arm + "2147483647" + arm, 0, "-7.15828e+07 0 0 0 0 0 0 1 2 3 \n7.15828e+07 0 0 0 0 0 0 1 2 3 \n"},
         {"0\nroot 0 0 0 0 0 0\narm 1 nan 3\n", 1, "0 0 0 0 0 0 0 "},
         {"0\nroot 0 0 0 0 0 0\narm 1 inf 3\n", 1, "0 0 0 0 0 0 0 "},
-        {"0\nroot 0 0 0 1e39 0 0\narm 1 2 3\n", 1, "0 "},
-    };
+        {"0\nroot 0 0 0 1e39 0 0\narm 1 2 3\n", 1, "0 "}};
+    // clang-format on
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.frames);

@@ -57,11 +57,10 @@ TEST(KtCoordSystem, PreOperationsMultiplyOnTheLeftPostOnTheRight)
         KtCoordSystem post = frame;
         op.apply(pre, false);
         op.apply(post, true);
-        Kt4X4FloatMat expected;
-        Kt4X4FloatMat::multiply(expected, op.elementary, frame);
-        EXPECT_MATRIX_NEAR(expected, pre) << "operation " << &op - operations;
-        Kt4X4FloatMat::multiply(expected, frame, op.elementary);
-        EXPECT_MATRIX_NEAR(expected, post) << "operation " << &op - operations;
+        EXPECT_MATRIX_NEAR(op.elementary * frame, pre)
+            << "operation " << &op - operations;
+        EXPECT_MATRIX_NEAR(frame * op.elementary, post)
+            << "operation " << &op - operations;
     }
     // On the identity, exactly the elementary rows, from the float cosine
     // and sine of an angle whose double ones round to other floats (read at

@@ -22,21 +22,6 @@ StreamCapture::~StreamCapture()
     _stream.rdbuf(_saved);
 }
 
-InputFeed::InputFeed(std::istream& stream, const std::string& text)
-    : _stream(stream)
-    , _saved(stream.rdbuf())
-    , _buffer(text)
-{
-    _stream.rdbuf(_buffer.rdbuf());
-    _stream.clear();
-}
-
-InputFeed::~InputFeed()
-{
-    _stream.rdbuf(_saved);
-    _stream.clear();
-}
-
 TempDir::TempDir()
 {
     const char* base = std::getenv("TMPDIR");

@@ -23,21 +23,6 @@ private:
     std::ostringstream _buffer;
 };
 
-// Feeds a stream from a string for the lifetime of the object.
-class InputFeed
-{
-public:
-    InputFeed(std::istream& stream, const std::string& text);
-    ~InputFeed();
-    InputFeed(const InputFeed&) = delete;
-    InputFeed& operator=(const InputFeed&) = delete;
-
-private:
-    std::istream& _stream;
-    std::streambuf* _saved;
-    std::istringstream _buffer;
-};
-
 // A fresh folder under the system's temporary directory, removed with all
 // its content at the end of the test.
 class TempDir
