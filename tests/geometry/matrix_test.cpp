@@ -1,5 +1,5 @@
-// Points, 3x3 and 4x4 matrices, vector functions and the way numbers reach a
-// stream.
+// 3x3 and 4x4 matrices, points taken through them, reorthogonalization
+// and the way numbers reach a stream.
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -182,45 +182,20 @@ TEST(Kt4X4FloatMat, PointsAreRowsTakenWithAOne)
     EXPECT_POINT_NEAR(KtPoint(1.0f, 2.0f, 0.5f), projected);
 }
 
+// A frame prints one bracketed line per row, its own way.
 TEST(Kt4X4FloatMat, PrintsRowsInBrackets)
 {
     Kt3X3FloatMat m3;
     m3.setRow(1, Kt3X3FloatMat::KtRow({4.0f, 5.5f, -6.0f}));
+    KtCoordSystem frame;
+    frame.setTranslationVector(KtPoint(1.5f, -2.0f, 0.0f));
     std::ostringstream out;
-    out << m3 << Kt4X4FloatMat(0.25f);
+    out << m3 << Kt4X4FloatMat(0.25f) << frame;
     EXPECT_EQ("[\n[1  0  0]\n [4  5.5  -6]\n [0  0  1]\n]"
               "[\n[0.25  0  0  0]\n [0  0.25  0  0]\n [0  0  0.25  0]\n"
-              " [0  0  0  0.25]\n]",
+              " [0  0  0  0.25]\n]"
+              "[\n  [ 1 0 0 0]\n  [ 0 1 0 0]\n  [ 0 0 1 0]\n  [ 1.5 -2 0 1]\n]",
               out.str());
-}
-
-TEST(KtPoint, SortsByXThenYThenZ)
-{
-    EXPECT_TRUE(KtPoint(-1, 5, 5) < KtPoint(0, -2, -9));
-    EXPECT_TRUE(KtPoint(0, -2, 9) < KtPoint(0, 3, -4));
-    EXPECT_TRUE(KtPoint(0, 3, 2) > KtPoint(0, 3, -4));
-    EXPECT_FALSE(KtPoint(1, 2, 3) < KtPoint(1, 2, 3));
-}
-
-// Degenerate input gives the zero vector.
-TEST(KtVectorAlgo, ProductsNormalsAndPerpendiculars)
-{
-    KtPoint z;
-    KtGetCrossProduct(&z, KtPoint(2, 0, 0), KtPoint(0, 3, 0));
-    EXPECT_POINT_NEAR(KtPoint(0, 0, 6), z);
-    EXPECT_POINT_NEAR(
-        KtPoint(0, 0, 1),
-        KtTriangleNormal(KtPoint(1, 1, 2), KtPoint(4, 1, 2), KtPoint(1, 3, 2)));
-    EXPECT_POINT_NEAR(KtPoint(), KtTriangleNormal(z, z, KtPoint(2, 2, 2)));
-    for (KtPoint v :
-         {KtPoint(2, 0, 0), KtPoint(0, -3, 0), KtPoint(-5, 0.1f, 4), KtPoint()})
-    {
-        KtPoint n;
-        KtArbitraryPerpendicular(&n, v);
-        float length = KtDotProduct(v, v) == 0.0f ? 0.0f : 1.0f;
-        EXPECT_NEAR(length, KtDotProduct(n, n), kGeometryTolerance) << v;
-        EXPECT_NEAR(0.0f, KtDotProduct(v, n), kGeometryTolerance) << v;
-    }
 }
 
 // For M = D R (D diagonal, R a rotation) the result is D S R, where S holds
