@@ -112,23 +112,17 @@ TEST(ApplyDOFValues, TranslationsFirstThenRotationsFromTheLastValue)
 {
     const float scale = static_cast<float>(1.0 / 0.45);
     // DOFs, values, degrees flag, expected frame.
-    const std::tuple<std::vector<int>, std::vector<float>, int, Kt4X4FloatMat>
-        cases[] = {
-            {{kDofRX}, {90}, 1, rotationMatrix(kX, kQuarter)},
-            {{kDofRX}, {90}, 0, rotationMatrix(kX, 90)},
-            {{kDofTX, kDofL}, {10, 5}, 1, translationMatrix(22.2222f, 0, 0)},
-            {{kDofTX, kDofTY, kDofTZ, kDofRZ, kDofRY, kDofRX},
-             {0.45f, 0.9f, 1.35f, 0.3f, 0.2f, 0.1f},
-             0,
-             rotationMatrix(kZ, 0.3f) * rotationMatrix(kY, 0.2f) *
-                 rotationMatrix(kX, 0.1f) * translationMatrix(1, 2, 3)},
-            // tx takes the one value and ty finds none; counting back from the
-            // last value, rz takes it too and rx finds none.
-            {{kDofTX, kDofRX, kDofTY, kDofRZ},
-             {0.45f},
-             0,
-             rotationMatrix(kZ, 0.45f) * translationMatrix(1, 0, 0)},
-        };
+    // clang-format off
+    const std::tuple<std::vector<int>, std::vector<float>, int, Kt4X4FloatMat> cases[] = {
+        {{kDofRX}, {90}, 1, rotationMatrix(kX, kQuarter)},
+        {{kDofRX}, {90}, 0, rotationMatrix(kX, 90)},
+        {{kDofTX, kDofL}, {10, 5}, 1, translationMatrix(22.2222f, 0, 0)},
+        {{kDofTX, kDofTY, kDofTZ, kDofRZ, kDofRY, kDofRX}, {0.45f, 0.9f, 1.35f, 0.3f, 0.2f, 0.1f}, 0,
+         rotationMatrix(kZ, 0.3f) * rotationMatrix(kY, 0.2f) * rotationMatrix(kX, 0.1f) * translationMatrix(1, 2, 3)},
+        // tx takes the one value and ty finds none; counting back from the
+        // last value, rz takes it too and rx finds none.
+        {{kDofTX, kDofRX, kDofTY, kDofRZ}, {0.45f}, 0, rotationMatrix(kZ, 0.45f) * translationMatrix(1, 0, 0)}};
+    // clang-format on
     for (const auto& [dofs, values, degrees, expected] : cases)
     {
         KaASFDOFGroup group;
