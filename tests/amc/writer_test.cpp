@@ -40,7 +40,6 @@ TEST(KaAMCWriter, WritesKeywordsFramesAndBoneLinesEndingInABlank)
 {
     EXPECT_EQ(kKeywords + "1\nlhand 1.5 2 \nrhand \n", printed(hands({1})));
     EXPECT_EQ(kKeywords, printed(KaAMC()));
-    EXPECT_EQ(0, KaAMC().createField(9)->numBones());
     // Read back, every value and name is written as it was.
     const char* text = ":FULLY-SPECIFIED\n:RADIANS\n"
                        "1\nroot 0.5 -1e-05 123457 -3.40282e+38 0 7 \n"
@@ -115,10 +114,6 @@ TEST(KaAMCWriter, SavesToAFileOrSaysWhyNot)
     EXPECT_FALSE(theExceptObj.exceptionOccurred());
     EXPECT_EQ(printed(amc), readFile(path));
 
-    amc.save("/nonexistent/out.amc");
-    EXPECT_EQ(errorBlock({"File \"/nonexistent/out.amc\" is unwritable.",
-                          "Parent directory \"/nonexistent\" does not exist."}),
-              printedChain());
     amc.save("/dev/full"); // the failure shows when the text is flushed
     EXPECT_EQ(errorBlock({"Unable to write '/dev/full'."}), printedChain());
 }

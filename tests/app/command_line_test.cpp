@@ -112,29 +112,20 @@ TEST(CommandLine, HelpOptionsAndArgumentChecks)
     EXPECT_EQ(0u, banner.find("\nmotbake version 1.1\n\n"));
     const std::string count = "ERROR: Invalid number of arguments.\n";
     const std::string fps = "ERROR: Invalid value for fps.\n";
-    const struct
-    {
-        std::vector<const char*> args;
-        int status;
-        std::string out;
-        std::string err;
-    } cases[] = {
+    // clang-format off
+    const struct { std::vector<const char*> args; int status; std::string out, err; } cases[] = {
         {{}, 0, "\nUSAGE\n" + kUsage + "\nVERSION\n  1.1\n\n", ""},
-        {{"-h"}, 0, manual, ""},
-        {{"-H"}, 0, manual, ""},
-        {{"-h", "-COPYRIGHT"}, 0, manual + copyright, ""},
-        {{"-copyright"}, 0, copyright, ""},
+        {{"-h"}, 0, manual, ""}, {{"-H"}, 0, manual, ""},
+        {{"-h", "-COPYRIGHT"}, 0, manual + copyright, ""}, {{"-copyright"}, 0, copyright, ""},
         {{"-h", "a", "b", "c", "d"}, 1, manual + banner, count},
         {{"-x", "a"}, 1, "", "\nERROR: Invalid option -x\n"},
         {{"-f", "-filter"}, 1, "", "\nERROR: Expecting filter names.\n"},
-        {{"a", "b", "30", "c"}, 1, banner, count},
-        {{"a", "b", "30", "c", "d", "e"}, 1, banner, count},
+        {{"a", "b", "30", "c"}, 1, banner, count}, {{"a", "b", "30", "c", "d", "e"}, 1, banner, count},
         // Options after the first positional argument are positional.
         {{"a", "b", "30", "c", "d", "-f"}, 1, banner, count},
-        {{"a", "b", "29", "c", "d"}, 1, banner, fps},
-        {{"a", "b", "30.0", "c", "d"}, 1, banner, fps},
-        {{"a", "b", "abc", "c", "d"}, 1, banner, fps},
-    };
+        {{"a", "b", "29", "c", "d"}, 1, banner, fps}, {{"a", "b", "30.0", "c", "d"}, 1, banner, fps},
+        {{"a", "b", "abc", "c", "d"}, 1, banner, fps}};
+    // clang-format on
     for (const auto& c : cases)
     {
         Outcome run = runMain(c.args);

@@ -1,5 +1,6 @@
-// The MEL script: its exact text, channel numbering over the bodies of the
-// first frame, the filter blocks and the time unit of every frame rate.
+// The MEL script: channel numbering over the bodies of the first frame, the
+// filter blocks and the time unit of every frame rate. The rest of its text
+// is pinned whole by the known captures converted end to end.
 #include <sstream>
 #include <string>
 
@@ -10,34 +11,6 @@
 
 namespace
 {
-
-const std::string kHeader = R"(//
-// MEL script created by motbake version 1.1
-//
-// Quorvane, Inc.
-//
-
-
-)";
-
-const std::string kDeviceProcs = R"(proc int amcDeviceExists()
-{
-  string $all_devices[] = `listInputDevices`;
-
-  for ($device in $all_devices) {
-    if ($device=="amc_device")
-      return 1;
-  }
-
-  return 0;
-}
-
-proc deleteAMCDevice()
-{
-  defineVirtualDevice -device "amc_device" -undefine;
-}
-
-)";
 
 const std::string kFilterProcs = R"(proc string[] activeFilters()
 {
@@ -89,38 +62,6 @@ const std::string kFilterCheck = R"(  {
 
 )";
 
-// importAMC with the given filter check, time unit, filter options of
-// applyTake and first frame.
-std::string importProc(const std::string& filterCheck,
-                       const std::string& unit,
-                       const std::string& applyFilters,
-                       const std::string& frame)
-{
-    return "proc importAMC()\n{\n" + filterCheck + R"(  if (amcDeviceExists())
-    deleteAMCDevice();
-
-  createAMCDevice;
-  print("\n// Select MOV file to import.\n");
-
-  string $mov_file = `fileDialog`;
-
-  if (""!=$mov_file) {
-    currentUnit -time )" +
-           unit + R"(;
-    readTake -device "amc_device" -angle "degree" -linear "inch" -take $mov_file;
-    applyTake -device "amc_device")" +
-           applyFilters + ";\n    currentTime -edit " + frame +
-           ";\n    playbackOptions -minTime " + frame + R"(;
-    fitAllPanels -all;
-  }
-
-  deleteAMCDevice;
-}
-
-importAMC;
-)";
-}
-
 // createAMCDevice for the given channels, numbered from 0; a channel is
 // named after its body and its usage ("root_posX lfemur_rotY").
 std::string createDevice(const std::string& channels)
@@ -165,45 +106,59 @@ const std::string kSkeleton =
 
 } // namespace
 
-TEST(MelWriter, WritesTheWholeScriptForRootAndBonesOfTheFirstFrame)
+// A root without translations gets no position channels; a bone with only
+// ty gets all three, and the numbering runs on without gaps. A body that is
+// not in the first frame gets no channels at all; a motion without frames
+// (only one built in memory: the reader needs a frame number after the
+// header) has none and starts at 0.
+TEST(MelWriter, ChannelsAreNumberedOverTheBodiesOfTheFirstFrame)
 {
-    KaASF asf = skeletonFrom(kSkeleton);
-    // lhand is not in the first frame, so it gets no channels at all.
-    KaAMC amc = motionFrom("1\nroot 0 0 0 0 0 0\nlfemur 1 2 3\n"
-                           "2\nroot 0 0 0 0 0 0\nlfemur 1 2 3\nlhand 4\n");
-    std::string device =
-        createDevice("root_posX root_posY root_posZ root_rotZ root_rotY "
-                     "root_rotX lfemur_rotX lfemur_rotY lfemur_rotZ");
-    std::string mel = script(asf, amc, 24, "euler simplify");
-    EXPECT_EQ(
-        kHeader + device + kDeviceProcs + kFilterProcs +
-            importProc(kFilterCheck, "film", " -f euler -f simplify", "1"),
-        mel);
-    EXPECT_NE(std::string::npos,
-              mel.find("  attachDeviceAttr -device \"amc_device\" -axis "
-                       "\"lfemur_rotY\" \"lfemur_joint.rotateY\";\n"));
-    // Separators anywhere, also at the end, only separate names; a text of
-    // separators only means no filters.
-    EXPECT_EQ(mel, script(asf, amc, 24, "\teuler\r\n simplify  "));
-    EXPECT_EQ(kHeader + device + kDeviceProcs + importProc("", "ntsc", "", "1"),
-              script(asf, amc, 30, " \t "));
-    EXPECT_EQ("", printedChain());
-}
-
-TEST(MelWriter, PositionChannelsComeInThreesForAnyTranslation)
-{
-    // A root without translations gets none; a bone with only ty gets all
-    // three, and the numbering runs on without gaps.
-    KaASF asf = skeletonFrom(
+    const KaASF spine = skeletonFrom(
         skeletonText("RX",
                      boneBlock("spine", "ty rz") + boneBlock("neck", "rx"),
                      "    root spine\n    spine neck\n"));
-    KaAMC amc = motionFrom("7\nneck 1\nroot 1\nspine 2 3\n", "RADIANS");
-    EXPECT_EQ(kHeader +
-                  createDevice("root_rotX spine_posX spine_posY spine_posZ "
-                               "spine_rotZ neck_rotX") +
-                  kDeviceProcs + importProc("", "ntsc", "", "7"),
-              script(asf, amc, 30));
+    const KaASF lfemur = skeletonFrom(kSkeleton);
+    // clang-format off
+    const struct { const KaASF& asf; KaAMC amc; const char* channels; const char* first; } cases[] = {
+        {lfemur, motionFrom("1\nroot 0 0 0 0 0 0\nlfemur 1 2 3\n2\nroot 0 0 0 0 0 0\nlfemur 1 2 3\nlhand 4\n"),
+         "root_posX root_posY root_posZ root_rotZ root_rotY root_rotX lfemur_rotX lfemur_rotY lfemur_rotZ", "1"},
+        {spine, motionFrom("7\nneck 1\nroot 1\nspine 2 3\n", "RADIANS"),
+         "root_rotX spine_posX spine_posY spine_posZ spine_rotZ neck_rotX", "7"},
+        {lfemur, KaAMC(), "", "0"}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        const std::string mel = script(c.asf, c.amc, 30);
+        const std::string first = c.first;
+        EXPECT_NE(std::string::npos,
+                  mel.find("\n\n" + createDevice(c.channels) +
+                           "proc int amcDeviceExists()"))
+            << c.channels;
+        EXPECT_NE(std::string::npos,
+                  mel.find("currentTime -edit " + first +
+                           ";\n    playbackOptions -minTime " + first + ";"));
+    }
+    EXPECT_EQ("", printedChain());
+}
+
+// Filter names add the filter procedures before importAMC, their check at
+// its start and one option each to applyTake. Separators anywhere, also at
+// the end, only separate names; a text of separators only means no filters.
+TEST(MelWriter, FiltersAddTheirProceduresCheckAndOptions)
+{
+    KaASF asf = skeletonFrom(kSkeleton);
+    KaAMC amc = motionFrom("1\nroot 0 0 0 0 0 0\nlfemur 1 2 3\n");
+    const std::string plain = script(asf, amc, 24);
+    const std::string import = "proc importAMC()\n{\n";
+    const std::string apply = "applyTake -device \"amc_device\"";
+    std::string filtered = plain;
+    filtered.insert(filtered.find(import) + import.size(), kFilterCheck);
+    filtered.insert(filtered.find(import), kFilterProcs);
+    filtered.insert(filtered.find(apply) + apply.size(),
+                    " -f euler -f simplify");
+    EXPECT_EQ(filtered, script(asf, amc, 24, "euler simplify"));
+    EXPECT_EQ(filtered, script(asf, amc, 24, "\teuler\r\n simplify  "));
+    EXPECT_EQ(plain, script(asf, amc, 24, " \t "));
 }
 
 TEST(MelWriter, EveryFrameRateHasItsTimeUnit)
@@ -218,13 +173,4 @@ TEST(MelWriter, EveryFrameRateHasItsTimeUnit)
                   script(asf, amc, fps)
                       .find("currentUnit -time " + unit + ";\n    readTake"))
             << fps;
-}
-
-TEST(MelWriter, AMotionWithoutFramesHasNoChannelsAndStartsAtZero)
-{
-    // Only a motion built in memory can have no frames: the reader needs
-    // at least a frame number after the header.
-    EXPECT_EQ(kHeader + createDevice("") + kDeviceProcs +
-                  importProc("", "ntsc", "", "0"),
-              script(skeletonFrom(kSkeleton), KaAMC(), 30));
 }

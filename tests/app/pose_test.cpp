@@ -15,6 +15,7 @@
 #include "app/MovWriter.h"
 #include "app/PoseEvaluation.h"
 #include "app/PoseEvaluator.h"
+#include "asf/KaAxisOrder.h"
 #include "documents.h"
 #include "geometry/KtCoordSystem.h"
 #include "support/geometry_helpers.h"
@@ -26,19 +27,11 @@ constexpr int kY = 1;
 constexpr int kZ = 2;
 constexpr float kQuarter = 1.5707963267948966f;
 
-Kt4X4FloatMat operator*(const Kt4X4FloatMat& a, const Kt4X4FloatMat& b)
-{
-    Kt4X4FloatMat m;
-    Kt4X4FloatMat::multiply(m, a, b);
-    return m;
-}
-
 // The axis order Z, Y, X.
 KtArray<int> reversedOrder()
 {
-    KtArray<int> order(3);
-    for (int i = 0; i < 3; ++i)
-        order[i] = 3 - i;
+    KtArray<int> order;
+    KaAxisOrderFromWord("ZYX", &order);
     return order;
 }
 
@@ -119,23 +112,17 @@ TEST(ApplyDOFValues, TranslationsFirstThenRotationsFromTheLastValue)
 {
     const float scale = static_cast<float>(1.0 / 0.45);
     // DOFs, values, degrees flag, expected frame.
-    const std::tuple<std::vector<int>, std::vector<float>, int, Kt4X4FloatMat>
-        cases[] = {
-            {{kDofRX}, {90}, 1, rotationMatrix(kX, kQuarter)},
-            {{kDofRX}, {90}, 0, rotationMatrix(kX, 90)},
-            {{kDofTX, kDofL}, {10, 5}, 1, translationMatrix(22.2222f, 0, 0)},
-            {{kDofTX, kDofTY, kDofTZ, kDofRZ, kDofRY, kDofRX},
-             {0.45f, 0.9f, 1.35f, 0.3f, 0.2f, 0.1f},
-             0,
-             rotationMatrix(kZ, 0.3f) * rotationMatrix(kY, 0.2f) *
-                 rotationMatrix(kX, 0.1f) * translationMatrix(1, 2, 3)},
-            // tx takes the one value and ty finds none; counting back from the
-            // last value, rz takes it too and rx finds none.
-            {{kDofTX, kDofRX, kDofTY, kDofRZ},
-             {0.45f},
-             0,
-             rotationMatrix(kZ, 0.45f) * translationMatrix(1, 0, 0)},
-        };
+    // clang-format off
+    const std::tuple<std::vector<int>, std::vector<float>, int, Kt4X4FloatMat> cases[] = {
+        {{kDofRX}, {90}, 1, rotationMatrix(kX, kQuarter)},
+        {{kDofRX}, {90}, 0, rotationMatrix(kX, 90)},
+        {{kDofTX, kDofL}, {10, 5}, 1, translationMatrix(22.2222f, 0, 0)},
+        {{kDofTX, kDofTY, kDofTZ, kDofRZ, kDofRY, kDofRX}, {0.45f, 0.9f, 1.35f, 0.3f, 0.2f, 0.1f}, 0,
+         rotationMatrix(kZ, 0.3f) * rotationMatrix(kY, 0.2f) * rotationMatrix(kX, 0.1f) * translationMatrix(1, 2, 3)},
+        // tx takes the one value and ty finds none; counting back from the
+        // last value, rz takes it too and rx finds none.
+        {{kDofTX, kDofRX, kDofTY, kDofRZ}, {0.45f}, 0, rotationMatrix(kZ, 0.45f) * translationMatrix(1, 0, 0)}};
+    // clang-format on
     for (const auto& [dofs, values, degrees, expected] : cases)
     {
         KaASFDOFGroup group;

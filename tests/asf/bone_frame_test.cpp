@@ -26,13 +26,6 @@ KaASFBone boneTurnedAboutX(float angle)
     return bone;
 }
 
-Kt4X4FloatMat product(const Kt4X4FloatMat& a, const Kt4X4FloatMat& b)
-{
-    Kt4X4FloatMat m;
-    Kt4X4FloatMat::multiply(m, a, b);
-    return m;
-}
-
 } // namespace
 
 // The axis frame is the bone's own turn A; the placed frame is A times the
@@ -49,13 +42,13 @@ TEST(KaGetComposedBoneMatrices, PlacesTheBoneAtTheEndOfItsParent)
     child.setParent(&parent);
     const Kt4X4FloatMat turn = rotationMatrix(0, 0.3f);
     const Kt4X4FloatMat quarter = rotationMatrix(2, kQuarterTurn);
-    const Kt4X4FloatMat moved = product(quarter, translationMatrix(5, 6, 7));
+    const Kt4X4FloatMat moved = quarter * translationMatrix(5, 6, 7);
     // clang-format off
     const struct { const KaASFBone* bone; Kt4X4FloatMat parentFrame, axis, placed; } cases[] = {
         {&parent, Kt4X4FloatMat(), Kt4X4FloatMat(), Kt4X4FloatMat()},
         {&parent, moved, Kt4X4FloatMat(), quarter},
-        {&child, Kt4X4FloatMat(), turn, product(turn, translationMatrix(2, 0, 0))},
-        {&child, moved, turn, product(product(turn, quarter), translationMatrix(0, 2, 0))}};
+        {&child, Kt4X4FloatMat(), turn, turn * translationMatrix(2, 0, 0)},
+        {&child, moved, turn, turn * quarter * translationMatrix(0, 2, 0)}};
     // clang-format on
     for (const auto& c : cases)
     {

@@ -44,7 +44,7 @@ constexpr const char* kInvalidNumber = "Invalid number.";
 
 // One input per message. The chain expected, head first: the section's
 // failure, then `outer` (no line prefix), the message with the prefix of
-// `line` (none for 0), and `detail`.
+// `line` (none for 0), and `detail`; the same for the input's Windows twin.
 struct ChainCase
 {
     std::string input;
@@ -69,12 +69,15 @@ void expectChains(const char* failure, const std::vector<ChainCase>& cases)
                                : c.message);
         if (c.detail)
             chain.push_back(c.detail);
-        KaASF skeleton;
-        std::string printed = chainOf(c.input, &skeleton);
-        EXPECT_EQ(0, skeleton.numBones());
-        for (auto older = chain.rbegin(); older != chain.rend(); ++older)
-            KtError("%s", older->c_str());
-        EXPECT_EQ(printedChain(), printed);
+        for (const std::string& input : {c.input, withCRLF(c.input)})
+        {
+            KaASF skeleton;
+            std::string printed = chainOf(input, &skeleton);
+            EXPECT_EQ(0, skeleton.numBones());
+            for (auto older = chain.rbegin(); older != chain.rend(); ++older)
+                KtError("%s", older->c_str());
+            EXPECT_EQ(printedChain(), printed);
+        }
     }
 }
 
@@ -350,9 +353,9 @@ TEST(KaASFReader, StopsWhenCanceled)
               chain);
 }
 
-// Nothing walks the hierarchy recursively; the last line closes a circle
-// through every bone.
-TEST(KaASFReader, ReadsAChain100000BonesDeep)
+// Nothing walks the hierarchy recursively: not reading, not copying, not
+// writing; the last line closes a circle through every bone.
+TEST(KaASFReader, ReadsCopiesAndWritesAChain100000BonesDeep)
 {
     const int depth = 100000;
     std::string text = kVersion + ":bonedata\n";
@@ -364,10 +367,16 @@ TEST(KaASFReader, ReadsAChain100000BonesDeep)
             "    b" + std::to_string(i - 1) + " b" + std::to_string(i) + "\n";
     KaASF skeleton;
     EXPECT_EQ("", chainOf(text + "  end\n", &skeleton));
+    const KaASF copy(skeleton);
+    std::ostringstream written;
+    copy.printOn(written);
+    KaASF reread;
+    EXPECT_EQ("", chainOf(written.str(), &reread));
     int levels = 0;
-    for (const KaASFBone* b = skeleton.findBone("b99999"); b; b = b->parent())
+    for (const KaASFBone* b = reread.findBone("b99999"); b; b = b->parent())
         ++levels;
     EXPECT_EQ(depth, levels);
+    EXPECT_EQ(reread.findBone("b1"), reread.findBone("b0")->firstChild());
     EXPECT_EQ(
         errorBlock({"Unable to read :hierarchy section.",
                     "Line 200005:  Bone 'b0' cannot be its own ancestor."}),

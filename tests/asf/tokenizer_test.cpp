@@ -60,6 +60,8 @@ TEST(ASFTokenizer, SplitsWordsAndLineEndsAsTheReadersExpect)
         // At most 256 characters of a comment are skipped; the rest of a
         // longer comment line is read as text.
         {"a #" + std::string(256, 'c') + "tail\nb", {"a@1", "EOL@2", "tail@2", "EOL@3", "b@3"}},
+        // The carriage return of a Windows line end does not count.
+        {"a #" + std::string(255, 'c') + "\r\nb", {"a@1", "EOL@2", "b@2"}},
     };
     for (const auto& c : cases)
         EXPECT_EQ(c.tokens, tokensOf(c.text)) << c.text;

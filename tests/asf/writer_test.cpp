@@ -1,6 +1,5 @@
 // The skeleton writer: whole texts in radians and degrees, round trips
-// through the reader (also from a messy copy of the same text), DOF group
-// references, limits, the messages of a stream that fails, saving to files
+// through the reader, DOF group references, limits, the messages of a stream that fails, saving to files
 // and the bone-list dump.
 #include <cstdio>
 #include <sstream>
@@ -142,27 +141,6 @@ std::string written(const KaASF& asf)
     return out.str();
 }
 
-// The same text as a capture studio may write it: a comment line first,
-// CRLF line ends, a tab for indentation, a comment after every line, a blank
-// line after every block and commas between the ends of a limit.
-std::string messy(const std::string& text)
-{
-    std::string result = "# Written by hand\r\n";
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-    {
-        if (line.compare(0, 2, "  ") == 0)
-            line.replace(0, 2, "\t");
-        for (size_t at = line.find('('); at != std::string::npos;
-             at = line.find('(', at + 1))
-            line.replace(line.find(' ', at), 1, ", ");
-        result += line + "   # note\r\n";
-        if (line.size() >= 3 && line.compare(line.size() - 3, 3, "end") == 0)
-            result += "\r\n";
-    }
-    return result;
-}
-
 // What the error handler prints for these messages, head first.
 std::string chainOf(const std::vector<std::string>& messages)
 {
@@ -220,14 +198,6 @@ TEST(KaASFWriter, WritesADegreeSkeletonInDegreesAndReadsItBackTheSame)
                      "(-340282364284986443842966019425922187264.00 60.00)");
     EXPECT_EQ(expected, text);
     EXPECT_EQ(kDegrees, written(readText(text)));
-}
-
-// Separators, comments, blank lines and line ends do not change what is
-// read.
-TEST(KaASFReader, ReadsAMessyCopyAsTheSameSkeleton)
-{
-    for (const char* text : {kRadians, kDegrees})
-        EXPECT_EQ(written(readText(text)), written(readText(messy(text))));
 }
 
 TEST(KaASFWriter, WritesARootWithoutDOFsOnTheOrderLine)

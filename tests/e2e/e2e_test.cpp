@@ -163,33 +163,43 @@ TEST(Motbake, AnInputThatFailsStopsTheRunWithItsChain)
               run.err);
 }
 
-// A MEL file that cannot be written stops the run before the MOV file; a
-// MOV file that the disk cannot hold is a failure, not "done." and success.
+// A MEL file that cannot be written stops the run before the MOV file. An
+// output that the system could not take is a failure with its reason, never
+// "done." alone and success, whether it shows at closing (the short MEL
+// file) or while writing (a long MOV file).
 TEST(Motbake, AnOutputThatFailsEndsTheRunWithItsReason)
 {
-    Job job;
-    std::string folder = job.dir.file("no/such");
-    std::string mel = job.mel;
-    job.mel = folder + "/out.mel";
-    RunResult run = runMotbake(job.args());
-    EXPECT_EQ(1, run.status);
-    EXPECT_EQ(job.read(), run.out);
-    EXPECT_EQ(
-        errorBlock(
-            {("File \"" + job.mel + "\" is unwritable.").c_str(),
-             ("Parent directory \"" + folder + "\" does not exist.").c_str()}),
-        run.err);
-    EXPECT_FALSE(KtFileExists(job.mov.c_str()));
-
-    job.mel = mel;
-    job.mov = "/dev/full";
-    run = runMotbake(job.args());
-    EXPECT_EQ(1, run.status);
-    EXPECT_EQ(job.read() + writing(job.mel) + writing("/dev/full"), run.out);
-    EXPECT_EQ(errorBlock({"Unable to save \"/dev/full\".",
-                          "The file could not be written completely: No "
-                          "space left on device."}),
-              run.err);
+    std::string longMotion = ":FULLY-SPECIFIED\n:DEGREES\n";
+    for (int frame = 1; frame <= 20000; ++frame)
+        longMotion += std::to_string(frame) + "\nroot 1 2 3 0 0 0\narm 1 2 3\n";
+    Job job(longMotion);
+    const std::string mel = job.mel;
+    const std::string mov = job.mov;
+    const std::string folder = job.dir.file("no/such");
+    const std::string unwritable =
+        "File \"" + folder + "/out.mel\" is unwritable.";
+    const std::string noFolder =
+        "Parent directory \"" + folder + "\" does not exist.";
+    const std::string full = errorBlock(
+        {"Unable to save \"/dev/full\".",
+         "The file could not be written completely: No space left on device."});
+    // clang-format off
+    const struct { std::string mel, mov, written, err; } cases[] = {
+        {folder + "/out.mel", mov, "", errorBlock({unwritable.c_str(), noFolder.c_str()})},
+        {"/dev/full", mov, writing("/dev/full"), full},
+        {mel, "/dev/full", writing(mel) + writing("/dev/full"), full}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.mel);
+        job.mel = c.mel;
+        job.mov = c.mov;
+        RunResult run = runMotbake(job.args());
+        EXPECT_EQ(1, run.status);
+        EXPECT_EQ(job.read() + c.written, run.out);
+        EXPECT_EQ(c.err, run.err);
+        EXPECT_FALSE(KtFileExists(mov.c_str()));
+    }
 }
 
 TEST(Motbake, DofMismatchesWarnThenTheMovFileFails)

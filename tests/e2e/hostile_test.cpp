@@ -1,9 +1,8 @@
 // Hostile inputs through the real program: Windows line ends, bones the
 // skeleton lacks, a skeleton without bones, a chain 100,000 bones deep,
-// values and frame numbers at the edges, and outputs that cannot be written.
+// values and frame numbers at the edges, and damaged compressed input.
 #include <cstdlib>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -25,15 +24,7 @@ const std::string kSkeleton = ":version 1.10\n"
 
 const std::string kHeader = ":FULLY-SPECIFIED\n:DEGREES\n";
 
-std::string withCRLF(const std::string& text)
-{
-    std::string crlf;
-    for (char c : text)
-        crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    return crlf;
-}
-
-// One conversion in a fresh folder; the outputs' texts once it has run.
+// One conversion in a fresh folder.
 struct Conversion
 {
     TempDir dir;
@@ -49,8 +40,6 @@ struct Conversion
         writeFile(amc, motion);
         run = runMotbake({"-f", asf, amc, "30", mel, mov});
     }
-    std::string melText() const { return readFile(mel); }
-    std::string movText() const { return readFile(mov); }
 };
 
 } // namespace
@@ -66,19 +55,11 @@ TEST(MotbakeHostile, TwinInputsConvertToTheSameFiles)
     const std::string strangers =
         kHeader + "1\nroot 1 2 3 4 5 6\nghost 1 2\narm 7 8 9\nlegs\n" +
         "2\nroot 0 1 0 1 0 1\nghost 3 4\narm 1 1 1\nlegs 5 6 7 8\n";
-    const struct
-    {
-        const char* what;
-        std::string skeleton[2];
-        std::string motion[2];
-    } cases[] = {
-        {"Windows line ends in both files",
-         {human, withCRLF(human)},
-         {walk, withCRLF(walk)}},
-        {"motion bones that the skeleton lacks",
-         {kSkeleton, kSkeleton},
-         {motion, strangers}},
-    };
+    // clang-format off
+    const struct { const char* what; std::string skeleton[2]; std::string motion[2]; } cases[] = {
+        {"Windows line ends in both files", {human, withCRLF(human)}, {walk, withCRLF(walk)}},
+        {"motion bones that the skeleton lacks", {kSkeleton, kSkeleton}, {motion, strangers}}};
+    // clang-format on
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.what);
@@ -87,8 +68,8 @@ TEST(MotbakeHostile, TwinInputsConvertToTheSameFiles)
         EXPECT_EQ(0, plain.run.status);
         EXPECT_EQ(0, twin.run.status);
         EXPECT_EQ(plain.run.err, twin.run.err);
-        EXPECT_EQ(plain.melText(), twin.melText());
-        EXPECT_EQ(plain.movText(), twin.movText());
+        EXPECT_EQ(readFile(plain.mel), readFile(twin.mel));
+        EXPECT_EQ(readFile(plain.mov), readFile(twin.mov));
     }
 }
 
@@ -102,31 +83,40 @@ TEST(MotbakeHostile, ASkeletonWithoutBonesConvertsTheRoot)
     Conversion job(rootOnly, kHeader + "1\nroot 1 2 3 4 5 6\narm 7 8 9\n");
     EXPECT_EQ(0, job.run.status);
     EXPECT_EQ("", job.run.err);
-    EXPECT_EQ("0.0333333 1 2 3 4 5 6 \n", job.movText());
-    EXPECT_EQ(std::string::npos, job.melText().find("arm"));
+    EXPECT_EQ("0.0333333 1 2 3 4 5 6 \n", readFile(job.mov));
+    EXPECT_EQ(std::string::npos, readFile(job.mel).find("arm"));
 }
 
-// Reading, evaluating and writing walk the hierarchy without recursion.
-TEST(MotbakeHostile, AChain100000BonesDeepConverts)
+// Reading, evaluating and writing walk the hierarchy without recursion, and
+// the per-frame path neither walks the chain nor searches the frame for
+// every body, which would take minutes here (the test's time limit catches
+// that). Each bone stands one bone length from its parent's origin, then
+// its own translation; the first one hangs from the root.
+TEST(MotbakeHostile, AChain100000TranslatingBonesDeepConverts)
 {
     const int depth = 100000;
     std::string skeleton = ":version 1.10\n:units\n  angle deg\n"
                            ":root\n  order TX TY TZ RX RY RZ\n  axis XYZ\n"
                            ":bonedata\n";
+    std::string hierarchy = ":hierarchy\n  begin\n    root b0\n";
+    std::string motion = kHeader + "1\nroot 0 0 0 0 0 0\n";
+    std::string mov = "0.0333333 0 0 0 0 0 0 1 0 0 ";
     for (int i = 0; i < depth; ++i)
-        skeleton += "begin name b" + std::to_string(i) +
-                    " direction 1 0 0 length 1 axis 0 0 0 XYZ" +
-                    (i == depth - 1 ? " dof tx rz" : "") + " end\n";
-    skeleton += ":hierarchy\n  begin\n    root b0\n";
-    for (int i = 1; i < depth; ++i)
-        skeleton +=
-            "    b" + std::to_string(i - 1) + " b" + std::to_string(i) + "\n";
-    skeleton += "  end\n";
-    Conversion job(skeleton, kHeader + "1\nroot 0 0 0 0 0 0\nb99999 5 30\n");
+    {
+        const std::string name = "b" + std::to_string(i);
+        skeleton += "begin name " + name +
+                    " direction 1 0 0 length 1 axis 0 0 0 XYZ dof tx end\n";
+        if (i > 0)
+        {
+            hierarchy += "    b" + std::to_string(i - 1) + " " + name + "\n";
+            mov += "2 0 0 ";
+        }
+        motion += name + " 1\n";
+    }
+    Conversion job(skeleton + hierarchy + "  end\n", motion);
     EXPECT_EQ(0, job.run.status);
     EXPECT_EQ("", job.run.err);
-    // One bone length from its parent's origin, then its own translation.
-    EXPECT_EQ("0.0333333 0 0 0 0 0 0 6 0 0 30 \n", job.movText());
+    EXPECT_TRUE(readFile(job.mov) == mov + "\n");
 }
 
 // A value that is no number for a stream (nan, inf, 1e39) ends the line's
@@ -134,67 +124,24 @@ TEST(MotbakeHostile, AChain100000BonesDeepConverts)
 // numbers at the limits of int convert.
 TEST(MotbakeHostile, MotionsAtTheEdgesConvertOrFailClearly)
 {
-    const struct
-    {
-        std::string frames;
-        int status;
-        std::string mov;
-    } cases[] = {
-        {"-2147483648\nroot 0 0 0 0 0 0\narm 1 2 3\n"
-         "2147483647\nroot 0 0 0 0 0 0\narm 1 2 3\n",
-         0,
-         "-7.15828e+07 0 0 0 0 0 0 1 2 3 \n"
-         "7.15828e+07 0 0 0 0 0 0 1 2 3 \n"},
+    const std::string arm = "\nroot 0 0 0 0 0 0\narm 1 2 3\n";
+    // clang-format off
+    const struct { std::string frames; int status; std::string mov; } cases[] = {
+        {"-2147483648" + arm + "2147483647" + arm, 0, "-7.15828e+07 0 0 0 0 0 0 1 2 3 \n7.15828e+07 0 0 0 0 0 0 1 2 3 \n"},
         {"0\nroot 0 0 0 0 0 0\narm 1 nan 3\n", 1, "0 0 0 0 0 0 0 "},
-        {"0\nroot 0 0 0 0 0 0\narm 1 inf 3\n", 1, "0 0 0 0 0 0 0 "},
-        {"0\nroot 0 0 0 1e39 0 0\narm 1 2 3\n", 1, "0 "},
-    };
+        {"0\nroot 0 0 0 1e39 0 0\narm 1 2 3\n", 1, "0 "}};
+    // clang-format on
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.frames);
         Conversion job(kSkeleton, kHeader + c.frames);
         EXPECT_EQ(c.status, job.run.status);
-        EXPECT_EQ(c.mov, job.movText());
+        EXPECT_EQ(c.mov, readFile(job.mov));
         if (c.status != 0)
         {
             EXPECT_NE(std::string::npos,
                       job.run.err.find("ERROR: Unable to save \"" + job.mov));
         }
-    }
-}
-
-// Output that the system could not take is a failure, reported under the
-// reason, never "done." alone and success; the MOV file is not attempted
-// after a failed MEL file.
-TEST(MotbakeHostile, OutputsThatCannotBeWrittenFailTheRun)
-{
-    std::string longMotion = kHeader;
-    for (int frame = 1; frame <= 20000; ++frame)
-        longMotion += std::to_string(frame) +
-                      "\nroot 1.25 2.5 3.75 10 20 30\narm 11 22 33\n";
-    const std::string full = "ERROR: Unable to save \"/dev/full\".\n"
-                             "       The file could not be written "
-                             "completely: No space left on device.\n";
-    TempDir dir;
-    writeFile(dir.file("body.asf"), kSkeleton);
-    writeFile(dir.file("move.amc"), longMotion);
-    const std::string mel = dir.file("move.mel");
-    const std::string mov = dir.file("move.mov");
-    for (const auto& outputs : {std::vector<std::string>{mel, "/dev/full"},
-                                std::vector<std::string>{"/dev/full", mov}})
-    {
-        SCOPED_TRACE(outputs[0]);
-        RunResult run = runMotbake({"-f",
-                                    dir.file("body.asf"),
-                                    dir.file("move.amc"),
-                                    "30",
-                                    outputs[0],
-                                    outputs[1]});
-        EXPECT_EQ(1, run.status);
-        EXPECT_EQ("\n\n" + full + "\n", run.err);
-        EXPECT_NE(std::string::npos,
-                  run.out.find("Writing \"/dev/full\"...done.\n"));
-        EXPECT_FALSE(KtFileExists(mov.c_str()));
     }
 }
 
@@ -212,61 +159,28 @@ TEST(MotbakeHostile, ADamagedCompressedInputFailsTheRead)
         writeFile(asf, kSkeleton);
         writeFile(amc, motion);
         const std::string damaged = damageSkeleton ? asf : amc;
+        const std::string gz = damaged + ".gz";
         ASSERT_EQ(0, std::system(("gzip -n " + damaged).c_str()));
-        std::string packed = readFile(damaged + ".gz");
+        std::string packed = readFile(gz);
         packed[packed.size() - 8] ^= 0x55; // the checksum of the data
-        writeFile(damaged + ".gz", packed);
+        writeFile(gz, packed);
+        const std::string mel = dir.file("move.mel");
         RunResult run = runMotbake({"-f",
-                                    damageSkeleton ? asf + ".gz" : asf,
-                                    damageSkeleton ? amc : amc + ".gz",
+                                    damageSkeleton ? gz : asf,
+                                    damageSkeleton ? amc : gz,
                                     "30",
-                                    dir.file("move.mel"),
+                                    mel,
                                     dir.file("move.mov")});
         EXPECT_EQ(1, run.status);
-        const std::string gz = damaged + ".gz";
-        EXPECT_NE(
-            std::string::npos,
-            run.err.find(errorBlock(
-                {("Unable to read '" + gz + "'.").c_str(),
-                 "Unable to decompress file.",
-                 ("'gunzip' ended with status 1 on '" + gz + "'.").c_str()})))
+        const std::string reading = "Unable to read '" + gz + "'.";
+        const std::string status =
+            "'gunzip' ended with status 1 on '" + gz + "'.";
+        EXPECT_NE(std::string::npos,
+                  run.err.find(errorBlock({reading.c_str(),
+                                           "Unable to decompress file.",
+                                           status.c_str()})))
             << run.err;
         EXPECT_EQ(std::string::npos, run.out.find(gz + " ...done."));
-        EXPECT_FALSE(KtFileExists(dir.file("move.mel").c_str()));
-    }
-}
-
-// Thousands of translating bones, as one chain and all under the root: the
-// per-frame path must not walk a chain (or search a frame) for every body,
-// which would take minutes here; the test's time limit catches that.
-TEST(MotbakeHostile, ManyTranslatingBonesConvert)
-{
-    const int bones = 3000;
-    for (bool chain : {true, false})
-    {
-        SCOPED_TRACE(chain ? "a chain" : "all under the root");
-        std::string skeleton = ":version 1.10\n:root\n  order TX TY TZ\n"
-                               "  axis XYZ\n:bonedata\n";
-        std::string hierarchy = ":hierarchy\n  begin\n    root c0\n";
-        std::string motion = kHeader;
-        for (int i = 0; i < bones; ++i)
-        {
-            const std::string name = "c" + std::to_string(i);
-            skeleton += "begin name " + name +
-                        " direction 1 0 0 length 1 axis 0 0 0 xyz dof tx end\n";
-            if (i > 0)
-                hierarchy +=
-                    chain ? "    c" + std::to_string(i - 1) + " " + name + "\n"
-                          : "    root " + name + "\n";
-        }
-        for (int frame = 1; frame <= 3; ++frame)
-        {
-            motion += std::to_string(frame) + "\nroot 0 0 0\n";
-            for (int i = 0; i < bones; ++i)
-                motion += "c" + std::to_string(i) + " 1\n";
-        }
-        Conversion job(skeleton + hierarchy + "  end\n", motion);
-        EXPECT_EQ(0, job.run.status);
-        EXPECT_EQ("", job.run.err);
+        EXPECT_FALSE(KtFileExists(mel.c_str()));
     }
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <sstream>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
@@ -25,27 +26,14 @@ inline bool geometryNear(float expected, float actual)
     return std::fabs(expected - actual) <= kGeometryTolerance * scale;
 }
 
-// Points have three coordinates, matrices N rows of N.
-inline int geometrySize(const KtPoint&)
+// A point is one row of three coordinates, a matrix N rows of N.
+template <class T>
+float geometryElement(const T& value, int i, int j)
 {
-    return 1;
-}
-inline int geometrySize(const Kt3X3FloatMat&)
-{
-    return 3;
-}
-inline int geometrySize(const Kt4X4FloatMat&)
-{
-    return 4;
-}
-inline float geometryElement(const KtPoint& p, int, int j)
-{
-    return p[j];
-}
-template <class Matrix>
-float geometryElement(const Matrix& m, int i, int j)
-{
-    return m[i][j];
+    if constexpr (std::is_same_v<T, KtPoint>)
+        return value[j];
+    else
+        return value[i][j];
 }
 
 // A frame may be compared with a plain matrix, hence two types.
@@ -55,8 +43,10 @@ testing::AssertionResult geometryNearFormat(const char* expectedText,
                                             const T& expected,
                                             const U& actual)
 {
-    int rows = geometrySize(expected);
-    int cols = rows == 1 ? 3 : rows;
+    constexpr int rows = std::is_same_v<T, KtPoint>         ? 1
+                         : std::is_same_v<T, Kt3X3FloatMat> ? 3
+                                                            : 4;
+    const int cols = rows == 1 ? 3 : rows;
     for (int i = 0; i < rows; ++i)
         for (int j = 0; j < cols; ++j)
             if (!geometryNear(geometryElement(expected, i, j),
@@ -80,6 +70,14 @@ inline Kt4X4FloatMat translationMatrix(float x, float y, float z)
     Kt4X4FloatMat e;
     e.setRow(3, Kt4X4FloatMat::KtRow({x, y, z, 1.0f}));
     return e;
+}
+
+// The product a . b.
+inline Kt4X4FloatMat operator*(const Kt4X4FloatMat& a, const Kt4X4FloatMat& b)
+{
+    Kt4X4FloatMat m;
+    Kt4X4FloatMat::multiply(m, a, b);
+    return m;
 }
 
 inline Kt4X4FloatMat rotationMatrix(int axis, float angle)

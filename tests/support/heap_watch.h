@@ -1,9 +1,14 @@
 // HeapWatch: the most heap memory that a piece of code holds at once, as
-// AddressSanitizer sees every allocation. Without it nothing is measured.
+// AddressSanitizer sees every allocation. Without it nothing is measured and
+// the growth reads 0.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
+#include <sstream>
+#include <string>
+
+#include "support/test_helpers.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 // From the sanitizer runtime (not every compiler ships its header).
@@ -16,16 +21,6 @@ extern "C" size_t __sanitizer_get_allocated_size(const volatile void* block);
 class HeapWatch
 {
 public:
-    // Whether this build can measure (tests skip their check otherwise).
-    static bool available()
-    {
-#if defined(__SANITIZE_ADDRESS__)
-        return true;
-#else
-        return false;
-#endif
-    }
-
     HeapWatch()
     {
 #if defined(__SANITIZE_ADDRESS__)
@@ -61,3 +56,17 @@ private:
     static inline size_t _peak = 0;
     size_t _base = 0;
 };
+
+// Reads text into the document and returns the printed chain; the peak heap
+// growth of the read goes to *peak when asked for.
+template <class Document>
+std::string
+scanWatched(Document& document, const std::string& text, size_t* peak = nullptr)
+{
+    std::istringstream in(text);
+    HeapWatch watch;
+    document.scanFrom(in);
+    if (peak)
+        *peak = watch.peakGrowth();
+    return printedChain();
+}

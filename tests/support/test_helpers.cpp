@@ -22,21 +22,6 @@ StreamCapture::~StreamCapture()
     _stream.rdbuf(_saved);
 }
 
-InputFeed::InputFeed(std::istream& stream, const std::string& text)
-    : _stream(stream)
-    , _saved(stream.rdbuf())
-    , _buffer(text)
-{
-    _stream.rdbuf(_buffer.rdbuf());
-    _stream.clear();
-}
-
-InputFeed::~InputFeed()
-{
-    _stream.rdbuf(_saved);
-    _stream.clear();
-}
-
 TempDir::TempDir()
 {
     const char* base = std::getenv("TMPDIR");
@@ -95,6 +80,14 @@ std::string readFile(const std::string& path)
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
+}
+
+std::string withCRLF(const std::string& text)
+{
+    std::string crlf;
+    for (char c : text)
+        crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    return crlf;
 }
 
 std::string printedChain()

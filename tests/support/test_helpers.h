@@ -23,21 +23,6 @@ private:
     std::ostringstream _buffer;
 };
 
-// Feeds a stream from a string for the lifetime of the object.
-class InputFeed
-{
-public:
-    InputFeed(std::istream& stream, const std::string& text);
-    ~InputFeed();
-    InputFeed(const InputFeed&) = delete;
-    InputFeed& operator=(const InputFeed&) = delete;
-
-private:
-    std::istream& _stream;
-    std::streambuf* _saved;
-    std::istringstream _buffer;
-};
-
 // A fresh folder under the system's temporary directory, removed with all
 // its content at the end of the test.
 class TempDir
@@ -60,6 +45,8 @@ private:
 
 void writeFile(const std::string& path, const std::string& content);
 std::string readFile(const std::string& path);
+// The text with every "\n" turned into "\r\n", as a Windows tool writes it.
+std::string withCRLF(const std::string& text);
 
 // What KtCheckException prints for the pending chain (and clears it); empty
 // when nothing is pending.

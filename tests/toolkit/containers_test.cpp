@@ -95,21 +95,3 @@ TEST(KtDLListIter, RemovedNodesAreSkippedAndUnlinkedWhenLeft)
     EXPECT_EQ(nullptr, numbers._firstNode());
     EXPECT_EQ(nullptr, numbers._lastNode());
 }
-
-TEST(Kt_DLListCursor, WalksBothWaysAndRefusesDeletedData)
-{
-    KtList<int> numbers;
-    for (int i = 1; i <= 3; ++i)
-        numbers.append(i);
-    KtDLListReadCursor cursor(&numbers);
-    cursor.seekLast();
-    EXPECT_EQ(3, *static_cast<int*>(cursor.data()));
-    cursor.dec();
-    EXPECT_EQ(2, *static_cast<int*>(cursor.data()));
-    EXPECT_DEATH(
-        {
-            numbers.remove(cursor.node());
-            cursor.data();
-        },
-        "");
-}

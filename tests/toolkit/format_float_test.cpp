@@ -58,36 +58,18 @@ TEST(KtFormatFloat, WritesPrintfsSixDigitForms)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const float inf = std::numeric_limits<float>::infinity();
-    const struct
-    {
-        float value;
-        const char* text;
-    } cases[] = {
-        {0.0f, "0"},
-        {-0.0f, "-0"},
-        {1.0f, "1"},
-        {0.1f, "0.1"},
-        {-2.5f, "-2.5"},
-        {1.0f / 30.0f, "0.0333333"},
-        {100000.0f, "100000"},
-        {999999.0f, "999999"},
+    // clang-format off
+    const struct { float value; const char* text; } cases[] = {
+        {0.0f, "0"}, {-0.0f, "-0"}, {1.0f, "1"}, {0.1f, "0.1"}, {-2.5f, "-2.5"},
+        {1.0f / 30.0f, "0.0333333"}, {100000.0f, "100000"}, {999999.0f, "999999"},
         {999999.5f, "1e+06"}, // the carry moves it to exponent form
         {1e6f, "1e+06"},
         {1234565.0f, "1.23456e+06"}, // exact ties go to the even digit
-        {1234575.0f, "1.23458e+06"},
-        {1.015625f, "1.01562"},
-        {0.0001f, "0.0001"},
-        {0.00001f, "1e-05"},
-        {0.000123456f, "0.000123456"},
-        {FLT_MAX, "3.40282e+38"},
-        {FLT_MIN, "1.17549e-38"},
-        {-FLT_MIN, "-1.17549e-38"},
-        {FLT_TRUE_MIN, "1.4013e-45"},
-        {inf, "inf"},
-        {-inf, "-inf"},
-        {nan, "nan"},
-        {-nan, "-nan"},
-    };
+        {1234575.0f, "1.23458e+06"}, {1.015625f, "1.01562"},
+        {0.0001f, "0.0001"}, {0.00001f, "1e-05"}, {0.000123456f, "0.000123456"},
+        {FLT_MAX, "3.40282e+38"}, {FLT_MIN, "1.17549e-38"}, {-FLT_MIN, "-1.17549e-38"},
+        {FLT_TRUE_MIN, "1.4013e-45"}, {inf, "inf"}, {-inf, "-inf"}, {nan, "nan"}, {-nan, "-nan"}};
+    // clang-format on
     for (const auto& c : cases)
         EXPECT_EQ(c.text, formatted(c.value)) << std::hexfloat << c.value;
 }
@@ -111,12 +93,9 @@ TEST(KtFormatFloat, MatchesPrintfOnTiesPowersOfTenAndASpreadOfAllFloats)
 
 TEST(KtStreamFormatsFloatsByDefault, OnlyTheDefaultStateQualifies)
 {
-    const struct
-    {
-        const char* state;
-        void (*change)(std::ostream&);
-        bool qualifies;
-    } cases[] = {
+    using Change = void (*)(std::ostream&);
+    // clang-format off
+    const struct { const char* state; Change change; bool qualifies; } cases[] = {
         {"default", [](std::ostream&) {}, true},
         {"precision 7", [](std::ostream& s) { s.precision(7); }, false},
         {"fixed", [](std::ostream& s) { s << std::fixed; }, false},
@@ -125,14 +104,9 @@ TEST(KtStreamFormatsFloatsByDefault, OnlyTheDefaultStateQualifies)
         {"showpoint", [](std::ostream& s) { s << std::showpoint; }, false},
         {"uppercase", [](std::ostream& s) { s << std::uppercase; }, false},
         {"width 9", [](std::ostream& s) { s.width(9); }, false},
-        {"boolalpha and hex",
-         [](std::ostream& s) { s << std::boolalpha << std::hex; },
-         true},
-        {"decimal comma",
-         [](std::ostream& s)
-         { s.imbue(std::locale(s.getloc(), new CommaDecimal)); },
-         false},
-    };
+        {"boolalpha and hex", [](std::ostream& s) { s << std::boolalpha << std::hex; }, true},
+        {"decimal comma", [](std::ostream& s) { s.imbue(std::locale(s.getloc(), new CommaDecimal)); }, false}};
+    // clang-format on
     for (const auto& c : cases)
     {
         std::ostringstream out;

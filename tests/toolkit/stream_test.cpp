@@ -285,27 +285,19 @@ TEST_F(CompStream, ExistingFileAtThePipePathIsNeverTouched)
     EXPECT_EQ(in.instance() + 1, KtCompIFStream().instance());
 }
 
+// The reasons of a failed file check are the documents' to show (their
+// tests do); an error pending from before stops an open as well.
 TEST_F(CompStream, PendingErrorOrFailedCheckStopsTheOpen)
 {
     std::string walk = compressed("walk.amc.gz", "gzip", "x");
-    std::string missing = file("missing.amc");
-    std::string lost = file("nowhere/out.gz");
-    KtCompIFStream pending, none;
+    KtCompIFStream pending, missing;
     KtCompOFStream unwritable;
     KtError("Earlier failure.");
     pending.open(walk.c_str());
     EXPECT_EQ(errorBlock({"Earlier failure."}), printedChain());
-    none.open(missing.c_str());
-    EXPECT_EQ(errorBlock({("Unable to read \"" + missing + "\".").c_str(),
-                          "File does not exist."}),
-              printedChain());
-    unwritable.open(lost.c_str());
-    EXPECT_EQ(errorBlock({("File \"" + lost + "\" is unwritable.").c_str(),
-                          ("Parent directory \"" + file("nowhere") +
-                           "\" does not exist.")
-                              .c_str()}),
-              printedChain());
-    EXPECT_TRUE(pending.fail() && none.fail() && unwritable.fail());
+    missing.open(file("missing.amc").c_str());
+    unwritable.open(file("nowhere/out.gz").c_str());
+    EXPECT_TRUE(pending.fail() && missing.fail() && unwritable.fail());
 }
 
 // The real cjpeg cannot make an image of text; the stand-in gzip ends
