@@ -226,3 +226,22 @@ TEST(KtReorthogonalize, SumsExactlyNineTermsOfTheSeries)
     KtReorthogonalize(&m);
     EXPECT_MATRIX_NEAR(expected, m);
 }
+
+// Unit results: a triangle's normal (zero when it is degenerate) and a
+// perpendicular of any vector.
+TEST(KtVectorAlgo, CrossDotNormalAndPerpendicular)
+{
+    KtPoint v(3, -1, 2);
+    KtPoint p;
+    KtGetCrossProduct(&p, KtPoint(1, 0, 0), KtPoint(0, 1, 0));
+    EXPECT_POINT_NEAR(KtPoint(0, 0, 1), p);
+    EXPECT_FLOAT_EQ(32.0f, KtDotProduct(KtPoint(1, 2, 3), KtPoint(4, 5, 6)));
+    EXPECT_POINT_NEAR(
+        KtPoint(0, 0, 1),
+        KtTriangleNormal(KtPoint(), KtPoint(2, 0, 0), KtPoint(0, 3, 0)));
+    EXPECT_POINT_NEAR(
+        KtPoint(), KtTriangleNormal(v, KtPoint(6, -2, 4), KtPoint(9, -3, 6)));
+    KtArbitraryPerpendicular(&p, v);
+    EXPECT_NEAR(0.0f, KtDotProduct(p, v), 1e-6f);
+    EXPECT_NEAR(1.0f, KtDotProduct(p, p), 1e-6f);
+}
