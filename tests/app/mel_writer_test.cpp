@@ -8,6 +8,8 @@
 
 #include "app/MelWriter.h"
 #include "documents.h"
+#include "support/test_helpers.h"
+#include "toolkit/KtError.h"
 
 namespace
 {
@@ -173,4 +175,18 @@ TEST(MelWriter, EveryFrameRateHasItsTimeUnit)
                   script(asf, amc, fps)
                       .find("currentUnit -time " + unit + ";\n    readTake"))
             << fps;
+}
+
+// An error pending after a body's channels stops the script there, with the
+// body named: the root in its own words, a bone as a body.
+TEST(MelWriter, APendingErrorStopsTheScriptAtTheBody)
+{
+    KaASF asf = skeletonFrom(kSkeleton);
+    KaAMC amc = motionFrom("1\nroot 0 0 0 0 0 0\nlfemur 1 2 3\n");
+    KtError("The cause.");
+    EXPECT_EQ(std::string::npos, script(asf, amc, 30).find("importAMC"));
+    EXPECT_EQ(errorBlock({"Unable to convert transformations to channel for "
+                          "\"root\".",
+                          "The cause."}),
+              printedChain());
 }

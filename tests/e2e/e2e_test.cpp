@@ -166,7 +166,9 @@ TEST(Motbake, AnInputThatFailsStopsTheRunWithItsChain)
 // A MEL file that cannot be written stops the run before the MOV file. An
 // output that the system could not take is a failure with its reason, never
 // "done." alone and success, whether it shows at closing (the short MEL
-// file) or while writing (a long MOV file).
+// file) or while writing (a long MOV file). A bare name too long for the
+// system passes the write check (bare names are taken as creatable) and
+// fails to open.
 TEST(Motbake, AnOutputThatFailsEndsTheRunWithItsReason)
 {
     std::string longMotion = ":FULLY-SPECIFIED\n:DEGREES\n";
@@ -180,6 +182,8 @@ TEST(Motbake, AnOutputThatFailsEndsTheRunWithItsReason)
         "File \"" + folder + "/out.mel\" is unwritable.";
     const std::string noFolder =
         "Parent directory \"" + folder + "\" does not exist.";
+    const std::string longName = std::string(300, 'n') + ".mel";
+    const std::string noOpen = "Unable to open \"" + longName + "\".";
     const std::string full = errorBlock(
         {"Unable to save \"/dev/full\".",
          "The file could not be written completely: No space left on device."});
@@ -187,6 +191,7 @@ TEST(Motbake, AnOutputThatFailsEndsTheRunWithItsReason)
     const struct { std::string mel, mov, written, err; } cases[] = {
         {folder + "/out.mel", mov, "", errorBlock({unwritable.c_str(), noFolder.c_str()})},
         {"/dev/full", mov, writing("/dev/full"), full},
+        {longName, mov, writing(longName), errorBlock({noOpen.c_str()})},
         {mel, "/dev/full", writing(mel) + writing("/dev/full"), full}};
     // clang-format on
     for (const auto& c : cases)
