@@ -219,10 +219,7 @@ void writeBodyChannels(std::ostream& out,
                        float scale,
                        int units)
 {
-    KtArray<int> codes(dofs.numDOFs());
-    int i = 0;
-    for (const KaASFDOF* dof : dofs.dofs())
-        codes[i++] = dof->code();
+    const KtArray<int> codes = dofs.codes();
     ChannelText text(out);
     writeChannels(text,
                   codes.data(),

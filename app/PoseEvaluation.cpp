@@ -93,10 +93,7 @@ void applyDOFValues(KtCoordSystem& cs,
                     float scale,
                     int degrees)
 {
-    KtArray<int> codes(dofs.numDOFs());
-    int i = 0;
-    for (const KaASFDOF* dof : dofs.dofs())
-        codes[i++] = dof->code();
+    const KtArray<int> codes = dofs.codes();
     applyDOFCodes(
         cs, codes.data(), codes.count(), values, numValues, scale, degrees);
 }

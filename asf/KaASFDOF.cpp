@@ -106,6 +106,15 @@ KaASFDOFGroup::~KaASFDOFGroup()
     clearDOFs();
 }
 
+KtArray<int> KaASFDOFGroup::codes() const
+{
+    KtArray<int> result(numDOFs());
+    int i = 0;
+    for (const KaASFDOF* dof : _dofs)
+        result[i++] = dof->code();
+    return result;
+}
+
 bool KaASFDOFGroup::hasDOF(int code) const
 {
     return dofIndex(code) >= 0;

@@ -89,6 +89,8 @@ public:
 
     const KtList<KaASFDOF*>& dofs() const { return _dofs; }
     int numDOFs() const { return _dofs.count(); }
+    // The DOF codes in order, for loops that should not walk the list.
+    KtArray<int> codes() const;
     bool hasDOF(int code) const;
     // Zero-based position of the first DOF with the code, -1 if none.
     int dofIndex(int code) const;
