@@ -4,7 +4,7 @@
 
 #include "amc/KaAMC.h"
 #include "asf/KaASF.h"
-#include "asf/KaNameIndex.h"
+#include "toolkit/KtNameIndex.h"
 
 namespace
 {
@@ -76,7 +76,7 @@ void BodyTable::_linkParents()
 // from the front finds it.
 void BodyTable::_locateNames(const KtArray<KtStr>& names)
 {
-    KaNameIndex<const KtStr> index;
+    KtNameIndex<const KtStr> index;
     for (const KtStr& name : names)
         index.add(name.text(), &name);
     for (int body = 0; body < count(); ++body)

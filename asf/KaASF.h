@@ -6,9 +6,9 @@
 #include "asf/KaASFBone.h"
 #include "asf/KaASFDOF.h"
 #include "asf/KaASFRoot.h"
-#include "asf/KaNameIndex.h"
 #include "toolkit/KtArray.h"
 #include "toolkit/KtList.h"
+#include "toolkit/KtNameIndex.h"
 #include "toolkit/KtStr.h"
 
 struct KaASFHeader
@@ -107,5 +107,5 @@ private:
     KtDArray<KtStr> _skinFiles;
     // Bones by name ignoring case, so that reading a large hierarchy does
     // not search the bone list for every name.
-    KaNameIndex<KaASFBone> _bonesByName;
+    KtNameIndex<KaASFBone> _bonesByName;
 };

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "asf/ASFTokenizer.h"
-#include "asf/KaNameIndex.h"
+#include "toolkit/KtNameIndex.h"
 #include "toolkit/KtStr.h"
 
 class KaASF;
@@ -128,7 +128,7 @@ private:
     // Only internal files may refer to named DOF groups.
     bool _internal = false;
     // DOF lists find groups by name ignoring case.
-    KaNameIndex<KaASFDOFGroup> _groupsByName;
+    KtNameIndex<KaASFDOFGroup> _groupsByName;
     // Where each parent link was last set, to name the line that closed a
     // circle in the hierarchy.
     std::unordered_map<const KaASFBone*, ParentAssignment> _parentSetAt;

@@ -1,4 +1,4 @@
-// KaNameIndex: finds named items by name ignoring case, in constant time.
+// KtNameIndex: finds named items by name ignoring case, in constant time.
 #pragma once
 
 #include <cctype>
@@ -9,7 +9,7 @@
 // KtStr::iCmp. The index keeps the first item added under a name; it does
 // not own the items and does not notice when an item is renamed.
 template <class T>
-class KaNameIndex
+class KtNameIndex
 {
 public:
     void add(const char* name, T* item) { _items.emplace(_key(name), item); }
