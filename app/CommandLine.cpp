@@ -3,131 +3,55 @@
 
 #include <iostream>
 
+#include "app/MayaFrameRates.h"
 #include "app/MelWriter.h"
 #include "app/RunSequence.h"
 #include "app/Version.h"
+#include "program/ExitStatus.h"
+#include "program/ProgramStart.h"
 
 namespace
 {
 
 constexpr int kPositionalCount = 5;
 
-// The frame rates that Maya can play back. 25 is accepted although the
-// manual page does not list it; both are intended.
-constexpr int kFrameRates[] = {15, 24, 25, 30, 48, 50, 60};
-
-enum Status
-{
-    kSuccess = 0,
-    kFailure = 1
-};
-
-struct Options
-{
-    bool help = false;
-    bool copyright = false;
-    bool noPrompt = false;
-    int firstPositional = 1;
-};
-
 bool isFrameRate(int fps)
 {
-    for (int rate : kFrameRates)
-        if (fps == rate)
-            return true;
-    return false;
-}
-
-void printNoArguments(std::ostream& out, const KtStr& programName)
-{
-    out << "\n"
-        << "USAGE\n";
-    printUsage(out, programName);
-    out << "\n"
-        << "VERSION\n"
-        << "  " << kMotbakeVersion << "\n"
-        << "\n";
-}
-
-// Options are compared ignoring case, and the scan stops at the first
-// argument that does not begin with '-': later options count as positional.
-// Returns false, with the message written, on a bad option.
-bool scanOptions(int argc, const char* const* argv, Options* options)
-{
-    int i = 1;
-    for (; i < argc && argv[i][0] == '-'; ++i)
-    {
-        KtStr option(argv[i]);
-        if (option.iCmp("-h") == 0)
-            options->help = true;
-        else if (option.iCmp("-copyright") == 0)
-            options->copyright = true;
-        else if (option.iCmp("-f") == 0)
-            options->noPrompt = true;
-        else if (option.iCmp("-filter") == 0)
-        {
-            if (i + 1 >= argc)
-            {
-                std::cerr << "\nERROR: Expecting filter names.\n";
-                return false;
-            }
-            theFilterText = argv[++i];
-        }
-        else
-        {
-            std::cerr << "\nERROR: Invalid option " << argv[i] << "\n";
-            return false;
-        }
-    }
-    options->firstPositional = i;
-    return true;
+    return mayaTimeUnit(fps) != nullptr;
 }
 
 } // namespace
 
 int motbakeMain(int argc, const char* const* argv)
 {
-    // Built from a constant, not from the invoked path.
-    const KtStr programName("motbake");
-    if (argc <= 1)
-    {
-        printNoArguments(std::cout, programName);
-        return kSuccess;
-    }
+    const char* filterText = nullptr;
+    const ProgramOption filter = {
+        "-filter", &filterText, "\nERROR: Expecting filter names.\n"};
+    ProgramDescription program;
+    program.name = "motbake";
+    program.version = kMotbakeVersion;
+    program.printUsage = printUsage;
+    program.printManpage = printManpage;
+    program.options = &filter;
+    program.numOptions = 1;
+    const ProgramStart start = startProgram(argc, argv, program);
+    // The filter text is kept even when the run goes no further.
+    if (filterText)
+        theFilterText = filterText;
+    if (start.finished)
+        return start.exitStatus;
 
-    Options options;
-    if (!scanOptions(argc, argv, &options))
-        return kFailure;
-    const int positionalCount = argc - options.firstPositional;
-
-    if (options.help)
-    {
-        printManpage(std::cout, programName);
-        if (positionalCount == 0 && !options.copyright)
-            return kSuccess;
-    }
-    if (options.copyright)
-    {
-        printCopyright(std::cout, programName);
-        if (positionalCount == 0)
-            return kSuccess;
-    }
-
-    // The banner comes on every run that gets this far, also when the
-    // arguments then turn out to be wrong.
-    printVersion(std::cout, programName);
-
-    if (positionalCount != kPositionalCount)
+    if (start.numPositional != kPositionalCount)
     {
         std::cerr << "ERROR: Invalid number of arguments.\n";
-        return kFailure;
+        return kExitFailure;
     }
-    const char* const* positional = argv + options.firstPositional;
+    const char* const* positional = start.positional;
     int fps = 0;
     if (!KtStr(positional[2]).intValue(&fps) || !isFrameRate(fps))
     {
         std::cerr << "ERROR: Invalid value for fps.\n";
-        return kFailure;
+        return kExitFailure;
     }
 
     RunArguments run;
@@ -136,17 +60,13 @@ int motbakeMain(int argc, const char* const* argv)
     run.fps = fps;
     run.melFile = positional[3];
     run.movFile = positional[4];
-    run.noPrompt = options.noPrompt;
+    run.noPrompt = start.noPrompt;
     return runConversion(run);
 }
 
 void printVersion(std::ostream& out, const KtStr& programName)
 {
-    out << "\n"
-        << programName << " version " << kMotbakeVersion << "\n"
-        << "\n"
-        << "Copyright (c) Quorvane, Inc.  All rights reserved.\n";
-    out.flush();
+    printBanner(out, programName, kMotbakeVersion);
 }
 
 void printUsage(std::ostream& out, const KtStr& programName)
@@ -241,20 +161,5 @@ void printManpage(std::ostream& out, const KtStr& programName)
 
 void printCopyright(std::ostream& out, const KtStr& programName)
 {
-    out << "\n"
-        << "COPYRIGHT NOTICE\n"
-        << "\n"
-        << "     " << programName << ", Copyright (c) Quorvane, Inc.\n"
-        << "\n"
-        << "     Permission is granted to copy and distribute " << programName
-        << " for any\n"
-        << "     purpose, provided that it is distributed whole and "
-           "unchanged,\n"
-        << "     with this notice included.\n"
-        << "\n"
-        << "     " << programName
-        << " is provided \"as is\", without warranty of any kind,\n"
-        << "     express or implied.  In no event shall the authors be liable\n"
-        << "     for any damages arising from its use.\n"
-        << "\n";
+    printCopyrightNotice(out, programName);
 }

@@ -4,11 +4,14 @@
 
 #include <cstdlib>
 #include <ostream>
+#include <vector>
 
 #include "amc/KaAMC.h"
-#include "app/BodyTable.h"
+#include "app/MayaFrameRates.h"
 #include "app/Version.h"
 #include "asf/KaASF.h"
+#include "pose/BodyTable.h"
+#include "pose/ChannelLayout.h"
 #include "toolkit/KtError.h"
 
 KtStr theFilterText;
@@ -26,56 +29,27 @@ struct RotationChannel
     const char* attribute;
 };
 
-bool rotationChannel(int code, RotationChannel* channel)
+// code is a rotation DOF.
+RotationChannel rotationChannel(int code)
 {
     switch (code)
     {
     case kDofRX:
-        *channel = {"rotX", "rotateX"};
-        return true;
+        return {"rotX", "rotateX"};
     case kDofRY:
-        *channel = {"rotY", "rotateY"};
-        return true;
-    case kDofRZ:
-        *channel = {"rotZ", "rotateZ"};
-        return true;
+        return {"rotY", "rotateY"};
     default:
-        return false;
-    }
-}
-
-// Maya's time unit for each frame rate that the command line accepts.
-const char* timeUnit(int fps)
-{
-    switch (fps)
-    {
-    case 15:
-        return "game";
-    case 24:
-        return "film";
-    case 25:
-        return "pal";
-    case 30:
-        return "ntsc";
-    case 48:
-        return "show";
-    case 50:
-        return "palf";
-    case 60:
-        return "ntscf";
-    default:
-        // The command line never passes another rate.
-        std::abort();
+        return {"rotZ", "rotateZ"};
     }
 }
 
 // The filter names in command-line order. Splitting stops at the first empty
 // token, so separators at the end (or a text of separators only) never make
 // an empty name; the name list alone decides whether filters are written.
-KtList<KtStr> filterNames()
+KtList<KtStr> filterNames(const KtStr& filterText)
 {
     KtList<KtStr> names;
-    KtStr rest(theFilterText);
+    KtStr rest(filterText);
     while (rest.length() > 0)
     {
         KtStr name = rest.extractFirstToken(kFilterSeparators);
@@ -84,31 +58,6 @@ KtList<KtStr> filterNames()
         names.append(name);
     }
     return names;
-}
-
-// The bodies that get channels, in channel order: the root when the first
-// frame holds it, then the skeleton's bones that the first frame holds.
-// A motion without frames has no bodies.
-struct Body
-{
-    const char* name;
-    const KaASFDOFGroup* dofs;
-    bool isRoot;
-};
-
-KtList<Body> channelBodies(const KaASF& asf, const KaAMC& amc)
-{
-    KtList<Body> bodies;
-    if (amc.numFields() == 0)
-        return bodies;
-    BodyTable table(asf, &amc.boneNames());
-    table.bind(amc.field(0));
-    for (int body = 0; body < table.count(); ++body)
-        if (table.values(body))
-            bodies.append({table.name(body),
-                           &table.dofGroup(body),
-                           body == BodyTable::kRoot});
-    return bodies;
 }
 
 void writeHeader(std::ostream& out)
@@ -123,36 +72,97 @@ void writeHeader(std::ostream& out)
         << "\n";
 }
 
-bool writeCreateDevice(std::ostream& out, const KtList<Body>& bodies)
+// A body that translates at all gets all three position channels, matching
+// the three position values of every MOV line.
+void writeDefinitions(std::ostream& out,
+                      const char* name,
+                      int& counter,
+                      bool translates,
+                      const ChannelLayout::Rotation* rotations,
+                      int numRotations)
+{
+    if (translates)
+        for (const char* axis : {"X", "Y", "Z"})
+            out << "  defineVirtualDevice -channel " << name << "_pos" << axis
+                << " -usage pos" << axis << " -axis " << counter++ << ";\n";
+    for (int i = 0; i < numRotations; ++i)
+    {
+        const RotationChannel channel = rotationChannel(rotations[i].code);
+        out << "  defineVirtualDevice -channel " << name << "_" << channel.usage
+            << " -usage " << channel.usage << " -axis " << counter++ << ";\n";
+    }
+}
+
+void writeAttachments(std::ostream& out,
+                      const char* name,
+                      bool translates,
+                      const ChannelLayout::Rotation* rotations,
+                      int numRotations)
+{
+    if (translates)
+        for (const char* axis : {"X", "Y", "Z"})
+            out << "  attachDeviceAttr -device \"" << kDevice << "\" "
+                << "-axis \"" << name << "_pos" << axis << "\" "
+                << "\"" << name << "_joint.translate" << axis << "\";\n";
+    for (int i = 0; i < numRotations; ++i)
+    {
+        const RotationChannel channel = rotationChannel(rotations[i].code);
+        out << "  attachDeviceAttr -device \"" << kDevice << "\" "
+            << "-axis \"" << name << "_" << channel.usage << "\" "
+            << "\"" << name << "_joint." << channel.attribute << "\";\n";
+    }
+}
+
+// The channels of the bodies that the first frame holds, in channel order.
+// The checks for a pending error after each body are where the script has
+// always stopped when one arrived.
+bool writeCreateDevice(std::ostream& out,
+                       const BodyTable& bodies,
+                       const ChannelLayout& layout)
 {
     out << "proc createAMCDevice()\n"
         << "{\n"
         << "  defineVirtualDevice -create;\n";
     int counter = 0;
-    for (const Body& body : bodies)
+    for (int body = 0; body < layout.numBodies(); ++body)
     {
-        writeChannelDefinitions(out, body.name, counter, *body.dofs);
+        const ChannelLayout::Body& channels = layout.body(body);
+        if (!channels.present)
+            continue;
+        writeDefinitions(out,
+                         bodies.name(body),
+                         counter,
+                         channels.translates,
+                         layout.rotations(body),
+                         channels.numRotations);
         if (theExceptObj.errorOccurred())
         {
-            if (body.isRoot)
+            if (body == BodyTable::kRoot)
                 KtError("Unable to convert transformations to channel for "
                         "\"root\".");
             else
                 KtError("Unable to convert transformations to channel for "
                         "body \"%s\".",
-                        body.name);
+                        bodies.name(body));
             return false;
         }
     }
     out << "  defineVirtualDevice -device \"" << kDevice << "\";\n"
         << "\n";
-    for (const Body& body : bodies)
+    for (int body = 0; body < layout.numBodies(); ++body)
     {
-        writeChannelAttachments(out, body.name, *body.dofs);
+        const ChannelLayout::Body& channels = layout.body(body);
+        if (!channels.present)
+            continue;
+        writeAttachments(out,
+                         bodies.name(body),
+                         channels.translates,
+                         layout.rotations(body),
+                         channels.numRotations);
         if (theExceptObj.errorOccurred())
         {
             KtError("Unable to attach device channel to body \"%s\".",
-                    body.name);
+                    bodies.name(body));
             return false;
         }
     }
@@ -264,7 +274,10 @@ void writeImportProc(std::ostream& out,
         << "  string $mov_file = `fileDialog`;\n"
         << "\n"
         << "  if (\"\"!=$mov_file) {\n";
-    out << "    currentUnit -time " << timeUnit(fps) << ";\n";
+    const char* timeUnit = mayaTimeUnit(fps);
+    if (!timeUnit) // the command line never passes another rate
+        std::abort();
+    out << "    currentUnit -time " << timeUnit << ";\n";
     // Maya reads the MOV values as degrees and inches.
     out << "    readTake -device \"" << kDevice << "\" "
         << "-angle \"degree\" "
@@ -287,58 +300,44 @@ void writeImportProc(std::ostream& out,
 
 } // namespace
 
-bool hasTranslationDOF(const KaASFDOFGroup& dofs)
-{
-    for (const KaASFDOF* dof : dofs.dofs())
-        if (KaIsTranslationDOF(dof->code()))
-            return true;
-    return false;
-}
-
-// A body that translates at all gets all three position channels, matching
-// the three position values of every MOV line.
 void writeChannelDefinitions(std::ostream& out,
                              const char* name,
                              int& counter,
                              const KaASFDOFGroup& dofs)
 {
-    if (hasTranslationDOF(dofs))
-        for (const char* axis : {"X", "Y", "Z"})
-            out << "  defineVirtualDevice -channel " << name << "_pos" << axis
-                << " -usage pos" << axis << " -axis " << counter++ << ";\n";
-    RotationChannel channel;
-    for (const KaASFDOF* dof : dofs.dofs())
-        if (rotationChannel(dof->code(), &channel))
-            out << "  defineVirtualDevice -channel " << name << "_"
-                << channel.usage << " -usage " << channel.usage << " -axis "
-                << counter++ << ";\n";
+    std::vector<ChannelLayout::Rotation> rotations;
+    ChannelLayout::appendRotations(dofs, &rotations);
+    writeDefinitions(out,
+                     name,
+                     counter,
+                     hasTranslationDOF(dofs),
+                     rotations.data(),
+                     static_cast<int>(rotations.size()));
 }
 
 void writeChannelAttachments(std::ostream& out,
                              const char* name,
                              const KaASFDOFGroup& dofs)
 {
-    if (hasTranslationDOF(dofs))
-        for (const char* axis : {"X", "Y", "Z"})
-            out << "  attachDeviceAttr -device \"" << kDevice << "\" "
-                << "-axis \"" << name << "_pos" << axis << "\" "
-                << "\"" << name << "_joint.translate" << axis << "\";\n";
-    RotationChannel channel;
-    for (const KaASFDOF* dof : dofs.dofs())
-        if (rotationChannel(dof->code(), &channel))
-            out << "  attachDeviceAttr -device \"" << kDevice << "\" "
-                << "-axis \"" << name << "_" << channel.usage << "\" "
-                << "\"" << name << "_joint." << channel.attribute << "\";\n";
+    std::vector<ChannelLayout::Rotation> rotations;
+    ChannelLayout::appendRotations(dofs, &rotations);
+    writeAttachments(out,
+                     name,
+                     hasTranslationDOF(dofs),
+                     rotations.data(),
+                     static_cast<int>(rotations.size()));
 }
 
 void writeMELScript(std::ostream& out,
-                    const KaASF& asf,
                     const KaAMC& amc,
-                    int fps)
+                    const BodyTable& bodies,
+                    const ChannelLayout& layout,
+                    int fps,
+                    const KtStr& filterText)
 {
-    KtList<KtStr> filters = filterNames();
+    KtList<KtStr> filters = filterNames(filterText);
     writeHeader(out);
-    if (!writeCreateDevice(out, channelBodies(asf, amc)))
+    if (!writeCreateDevice(out, bodies, layout))
         return;
     writeDeviceProcs(out);
     if (!filters._isNull())
@@ -346,4 +345,14 @@ void writeMELScript(std::ostream& out,
     // A motion without frames starts at frame 0.
     int firstFrame = amc.numFields() > 0 ? amc.field(0).frameNumber() : 0;
     writeImportProc(out, filters, fps, firstFrame);
+}
+
+void writeMELScript(std::ostream& out,
+                    const KaASF& asf,
+                    const KaAMC& amc,
+                    int fps)
+{
+    BodyTable bodies(asf, &amc.boneNames());
+    ChannelLayout layout(bodies, amc);
+    writeMELScript(out, amc, bodies, layout, fps, theFilterText);
 }

@@ -6,6 +6,8 @@
 
 #include "toolkit/KtStr.h"
 
+class BodyTable;
+class ChannelLayout;
 class KaAMC;
 class KaASF;
 class KaASFDOFGroup;
@@ -14,17 +16,21 @@ class KaASFDOFGroup;
 // ends; empty when none were given.
 extern KtStr theFilterText;
 
-// Writes the whole script. The channel layout is decided by the motion's
-// first frame: the root (when the frame holds it), then the skeleton's bones
-// that the frame holds, in bone order. fps must be one of Maya's rates.
-// On failure posts an error and stops writing.
+// Writes the whole script with the run's bodies and channel layout. The
+// filter text holds the names of the filters to apply, separated by blanks,
+// tabs or line ends. fps must be one of Maya's rates. On failure posts an
+// error and stops writing.
+void writeMELScript(std::ostream& out,
+                    const KaAMC& amc,
+                    const BodyTable& bodies,
+                    const ChannelLayout& layout,
+                    int fps,
+                    const KtStr& filterText);
+// The same with a layout of its own and the filters given with -filter.
 void writeMELScript(std::ostream& out,
                     const KaASF& asf,
                     const KaAMC& amc,
                     int fps);
-
-// Whether any DOF of the group is tx, ty or tz.
-bool hasTranslationDOF(const KaASFDOFGroup& dofs);
 
 // The channel lines of one body. counter is the next channel number (the
 // "-axis" of the device and the MOV column after the time).

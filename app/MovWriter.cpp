@@ -2,213 +2,179 @@
 // each present body's position and rotation channels.
 #include "app/MovWriter.h"
 
-#include <cstring>
 #include <ostream>
+#include <vector>
 
 #include "amc/KaAMC.h"
-#include "app/BodyTable.h"
-#include "app/MelWriter.h"
-#include "app/PoseEvaluation.h"
-#include "app/PoseEvaluator.h"
 #include "asf/KaASF.h"
 #include "geometry/KtCoordSystem.h"
+#include "pose/BodyTable.h"
+#include "pose/ChannelLayout.h"
+#include "pose/ConverterPose.h"
 #include "toolkit/KtError.h"
-#include "toolkit/KtFormatFloat.h"
+#include "toolkit/KtFloatWriter.h"
 
 namespace
 {
 
-constexpr const char* kRootName = "root";
-// Text is handed to the stream in blocks of about this size.
-constexpr int kBlockSize = 1 << 16;
+// Skeleton lengths in the unit that the script declares as inches.
+float lengthScale(const KaASF& asf)
+{
+    return static_cast<float>(1.0 / asf.header().lengthFactor);
+}
 
-// Collects the file's text and hands it to the stream in large blocks.
-// Numbers take KtFormatFloat's text when the stream would write the same;
-// otherwise the stream's own insertion writes them.
-class ChannelText
+// The value and its blank.
+void writeNumber(KtFloatWriter& text, float value)
+{
+    text.number(value);
+    text.character(' ');
+}
+
+// A body's position as the MOV file has always held it: relative to the
+// animated system of the parent bone of the bone its name means, and in the
+// world for the root and for the bones attached to it. The asymmetry is
+// intended.
+class MovPositions
 {
 public:
-    explicit ChannelText(std::ostream& out)
-        : _out(out)
-        , _fast(KtStreamFormatsFloatsByDefault(out))
+    MovPositions(const KaASF& asf,
+                 const BodyTable& bodies,
+                 float scale,
+                 int degrees)
+        : _bodies(bodies)
+        , _pose(asf, bodies, scale, degrees)
     {
+        // The identity's inverse is the same every time.
+        _inverseOfIdentity.invert();
     }
-    ~ChannelText() { flush(); }
-    ChannelText(const ChannelText&) = delete;
-    ChannelText& operator=(const ChannelText&) = delete;
 
-    // The value and a blank.
-    void number(float value)
+    // The table must be bound to the frame.
+    void startFrame() { _pose.startFrame(); }
+
+    KtPoint position(int body)
     {
-        _makeRoom();
-        if (_fast)
-            _end = KtFormatFloat(_end, value);
-        else
+        const int target = _bodies.namedBody(body);
+        const int parentBone = _bodies.parentBone(target);
+        KtCoordSystem parent = _inverseOfIdentity;
+        if (parentBone != BodyTable::kNone)
         {
-            flush();
-            _out << value;
+            parent = _pose.animated(_bodies.namedBody(parentBone));
+            parent.invert();
         }
-        *_end++ = ' ';
-    }
-    void endLine()
-    {
-        _makeRoom();
-        *_end++ = '\n';
-    }
-    void flush()
-    {
-        _out.write(_block, _end - _block);
-        _end = _block;
+        KtCoordSystem system = _pose.animated(target);
+        Kt4X4FloatMat::multiply(system, system, parent);
+        return system.translationVector();
     }
 
 private:
-    void _makeRoom()
-    {
-        if (_end - _block >= kBlockSize)
-            flush();
-    }
-
-    std::ostream& _out;
-    bool _fast;
-    // Room for the longest number and its blank past the block size.
-    char _block[kBlockSize + kKtFloatTextSize];
-    char* _end = _block;
+    const BodyTable& _bodies;
+    ConverterPose _pose;
+    KtCoordSystem _inverseOfIdentity;
 };
 
-// The rotation values as read, in DOF order; a motion in radians thus yields
-// radian values under the script's "degree" label, as it always has.
-void writeRotations(ChannelText& text,
-                    const int* codes,
-                    int numCodes,
-                    const KaAMCBone& values)
-{
-    for (int i = 0; i < numCodes; ++i)
-        if (KaIsRotationDOF(codes[i]))
-            text.number(values.value(i));
-}
-
-// One body's channels, with its position from position(): the DOF count
-// check, three position values when the body translates, then its rotations.
+// One body's channels: the DOF count check, three position values from
+// position() when the body translates, then its rotation values as read, in
+// DOF order; a motion in radians thus yields radian values under the
+// script's "degree" label, as it always has.
 template <class Position>
-void writeChannels(ChannelText& text,
-                   const int* codes,
-                   int numCodes,
+bool writeChannels(KtFloatWriter& text,
+                   int numDOFs,
                    bool translates,
+                   const ChannelLayout::Rotation* rotations,
+                   int numRotations,
                    const KaAMCBone& values,
                    Position position)
 {
-    if (numCodes != values.numValues())
+    if (numDOFs != values.numValues())
     {
         KtError("The number of degrees of freedom in the AMC does not match "
                 "the number of degrees of freedom in the ASF.");
-        return;
+        return false;
     }
     if (translates)
     {
         KtPoint p = position();
-        text.number(p.x);
-        text.number(p.y);
-        text.number(p.z);
+        writeNumber(text, p.x);
+        writeNumber(text, p.y);
+        writeNumber(text, p.z);
     }
-    writeRotations(text, codes, numCodes, values);
+    for (int i = 0; i < numRotations; ++i)
+        writeNumber(text, values.value(rotations[i].dofIndex));
+    return true;
 }
 
-// The position of a body relative to its parent bone's animated frame,
-// evaluated by name. For the root and for bones attached to it the parent
-// stays the identity, so their positions are world positions; the asymmetry
-// is intended.
-KtPoint bodyPosition(const char* name,
-                     const KaASF& asf,
-                     const KaAMCField& frame,
-                     float scale,
-                     int units)
+void reportFailure(const BodyTable& bodies, int body)
 {
-    KtCoordSystem parent;
-    KtCoordSystem parentRest;
-    KtCoordSystem body;
-    KtCoordSystem bodyRest;
-    if (std::strcmp(name, kRootName) != 0)
-    {
-        const KaASFBone* bone = asf.findBone(name);
-        if (bone && bone->parent())
-            evaluateBodyFrame(parent,
-                              parentRest,
-                              asf,
-                              frame,
-                              bone->parent()->name(),
-                              scale,
-                              units);
-    }
-    evaluateBodyFrame(body, bodyRest, asf, frame, name, scale, units);
-    parent.invert();
-    Kt4X4FloatMat::multiply(body, body, parent);
-    return body.translationVector();
+    if (body == BodyTable::kRoot)
+        KtError("Unable to convert transformations to MOV for \"root\".");
+    else
+        // Deliberately without a closing quote after the name: the message
+        // has always read so.
+        KtError("Unable to convert transformations to MOV for body \"%s.",
+                bodies.name(body));
 }
 
-// The frames one after the other; each frame binds the body table once and
-// evaluates each body's systems once.
-class MovFrames
+// The bodies that this frame holds, which may be fewer than the first
+// frame's: the line is then shorter.
+bool writeFrame(KtFloatWriter& text,
+                BodyTable& bodies,
+                const ChannelLayout& layout,
+                MovPositions& positions,
+                const KaAMCField& frame,
+                int fps)
 {
-public:
-    MovFrames(ChannelText& text,
-              const KaASF& asf,
-              const KaAMC& amc,
-              float scale)
-        : _text(text)
-        , _bodies(asf, &amc.boneNames())
-        , _pose(asf, _bodies, scale, amc.units())
+    writeNumber(text,
+                static_cast<float>(frame.frameNumber()) /
+                    static_cast<float>(fps));
+    bodies.bind(frame);
+    positions.startFrame();
+    for (int body = 0; body < bodies.count(); ++body)
     {
-    }
-
-    bool write(const KaAMCField& frame, int fps)
-    {
-        _text.number(static_cast<float>(frame.frameNumber()) /
-                     static_cast<float>(fps));
-        _bodies.bind(frame);
-        _pose.startFrame();
-        for (int body = 0; body < _bodies.count(); ++body)
+        if (!bodies.values(body))
+            continue;
+        const ChannelLayout::Body& channels = layout.body(body);
+        if (!writeChannels(text,
+                           bodies.numCodes(body),
+                           channels.translates,
+                           layout.rotations(body),
+                           channels.numRotations,
+                           *bodies.values(body),
+                           [&] { return positions.position(body); }))
         {
-            if (!_bodies.values(body))
-                continue;
-            _writeBody(body);
-            if (theExceptObj.errorOccurred())
-            {
-                _reportFailure(body);
-                return false;
-            }
+            reportFailure(bodies, body);
+            return false;
         }
-        _text.endLine();
-        return true;
     }
-
-private:
-    void _writeBody(int body)
-    {
-        writeChannels(_text,
-                      _bodies.codes(body),
-                      _bodies.numCodes(body),
-                      _bodies.translates(body),
-                      *_bodies.values(body),
-                      [&] { return _pose.position(body); });
-    }
-
-    void _reportFailure(int body)
-    {
-        if (body == BodyTable::kRoot)
-            KtError("Unable to convert transformations to MOV for \"root\".");
-        else
-            // Deliberately without a closing quote after the name: the
-            // message has always read so.
-            KtError("Unable to convert transformations to MOV for body \"%s.",
-                    _bodies.name(body));
-    }
-
-    ChannelText& _text;
-    BodyTable _bodies;
-    PoseEvaluator _pose;
-};
+    text.character('\n');
+    return true;
+}
 
 } // namespace
+
+bool writeMOVData(std::ostream& out,
+                  const KaASF& asf,
+                  const KaAMC& amc,
+                  BodyTable& bodies,
+                  const ChannelLayout& layout,
+                  int fps)
+{
+    KtFloatWriter text(out);
+    MovPositions positions(asf, bodies, lengthScale(asf), amc.units());
+    for (int i = 0; i < amc.numFields(); ++i)
+        if (!writeFrame(text, bodies, layout, positions, amc.field(i), fps))
+            return false;
+    return true;
+}
+
+void writeMOVData(std::ostream& out,
+                  const KaASF& asf,
+                  const KaAMC& amc,
+                  int fps)
+{
+    BodyTable bodies(asf, &amc.boneNames());
+    ChannelLayout layout(bodies, amc);
+    writeMOVData(out, asf, amc, bodies, layout, fps);
+}
 
 void writeBodyChannels(std::ostream& out,
                        const char* name,
@@ -219,26 +185,23 @@ void writeBodyChannels(std::ostream& out,
                        float scale,
                        int units)
 {
-    const KtArray<int> codes = dofs.codes();
-    ChannelText text(out);
+    std::vector<ChannelLayout::Rotation> rotations;
+    ChannelLayout::appendRotations(dofs, &rotations);
+    BodyTable bodies(asf, nullptr);
+    const int body = bodies.bodyNamed(name);
+    bodies.bind(frame);
+    MovPositions positions(asf, bodies, scale, units);
+    positions.startFrame();
+    KtFloatWriter text(out);
     writeChannels(text,
-                  codes.data(),
-                  codes.count(),
+                  dofs.numDOFs(),
                   hasTranslationDOF(dofs),
+                  rotations.data(),
+                  static_cast<int>(rotations.size()),
                   values,
-                  [&] { return bodyPosition(name, asf, frame, scale, units); });
-}
-
-void writeMOVData(std::ostream& out,
-                  const KaASF& asf,
-                  const KaAMC& amc,
-                  int fps)
-{
-    // Skeleton lengths in the unit that the script declares as inches.
-    const float scale = static_cast<float>(1.0 / asf.header().lengthFactor);
-    ChannelText text(out);
-    MovFrames frames(text, asf, amc, scale);
-    for (int i = 0; i < amc.numFields(); ++i)
-        if (!frames.write(amc.field(i), fps))
-            return;
+                  [&] {
+                      return body == BodyTable::kNone
+                                 ? KtPoint()
+                                 : positions.position(body);
+                  });
 }

@@ -212,3 +212,11 @@ bool KaASFDOFGroup::hasNonGroupDOFs() const
             return true;
     return false;
 }
+
+bool hasTranslationDOF(const KaASFDOFGroup& dofs)
+{
+    for (const KaASFDOF* dof : dofs.dofs())
+        if (KaIsTranslationDOF(dof->code()))
+            return true;
+    return false;
+}

@@ -118,3 +118,7 @@ private:
     KtStr _name;
     KtList<KaASFDOF*> _dofs;
 };
+
+// Whether any DOF of the group is tx, ty or tz: such a body has position
+// channels.
+bool hasTranslationDOF(const KaASFDOFGroup& dofs);

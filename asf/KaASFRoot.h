@@ -7,6 +7,10 @@
 #include "geometry/KtPoint.h"
 #include "toolkit/KtArray.h"
 
+// The name that stands for the root in a skeleton's hierarchy and in the
+// bone lines of a motion.
+constexpr const char* kKaRootName = "root";
+
 class KaASFRoot
 {
 public:

@@ -6,13 +6,13 @@
 
 #include "asf/KaASF.h"
 #include "asf/KaAxisOrder.h"
+#include "geometry/KtAngles.h"
 #include "toolkit/KtCompStream.h"
 #include "toolkit/KtError.h"
 
 namespace
 {
 
-constexpr double kPi = 3.14159265358979323846;
 // Decimals of the fixed formats: the version and the mass factor, limits;
 // lengths and angles.
 constexpr int kShortDecimals = 2;
@@ -30,7 +30,7 @@ struct Fixed
 
 Fixed asFixed(double value, int decimals, bool toDegrees = false)
 {
-    return {toDegrees ? value * 180.0 / kPi : value, decimals};
+    return {toDegrees ? value * 180.0 / kKtPi : value, decimals};
 }
 
 // The fixed format holds for this one value: the stream's own format and

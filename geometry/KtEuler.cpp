@@ -4,13 +4,13 @@
 
 #include <cmath>
 
+#include "geometry/KtAngles.h"
 #include "geometry/KtPoint.h"
 
 namespace
 {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 2.0 * kPi;
+constexpr double kTwoPi = 2.0 * kKtPi;
 constexpr double kQuarterTurn = 1.5707963267948966;
 // Below this the middle angle leaves the outer two sharing one turn.
 constexpr double kGimbalLimit = 1e-6;
@@ -186,14 +186,14 @@ float wrapNear(float angle, float ref)
     double offset = static_cast<double>(angle) - ref;
     if (std::fabs(offset) > kStepwiseTurns * kTwoPi)
         angle = static_cast<float>(ref + std::fmod(offset, kTwoPi));
-    while (angle > ref + kPi)
+    while (angle > ref + kKtPi)
     {
         float next = static_cast<float>(angle - kTwoPi);
         if (!(next < angle))
             break;
         angle = next;
     }
-    while (angle < ref - kPi)
+    while (angle < ref - kKtPi)
     {
         float next = static_cast<float>(angle + kTwoPi);
         if (!(next > angle))
@@ -311,9 +311,9 @@ void KtGetDecomposedRotationMatrix(float (*angles)[3],
     bool inferredThird = order[1] != 0 && order[2] == 0;
     if (inferredThird && std::fabs(out[k - 1]) > kQuarterTurn)
     {
-        out[i - 1] = static_cast<float>(out[i - 1] + kPi);
-        out[j - 1] = static_cast<float>(kPi - out[j - 1]);
-        out[k - 1] = static_cast<float>(out[k - 1] + kPi);
+        out[i - 1] = static_cast<float>(out[i - 1] + kKtPi);
+        out[j - 1] = static_cast<float>(kKtPi - out[j - 1]);
+        out[k - 1] = static_cast<float>(out[k - 1] + kKtPi);
     }
 }
 
@@ -337,9 +337,9 @@ void KtGetClosestAngles(float (*out)[3],
         a[k] = cand[order[k] - 1];
     }
     // The other triple of the same rotation, from the unwrapped candidate.
-    float b[3] = {static_cast<float>(a[0] + kPi),
-                  static_cast<float>(kPi - a[1]),
-                  static_cast<float>(a[2] + kPi)};
+    float b[3] = {static_cast<float>(a[0] + kKtPi),
+                  static_cast<float>(kKtPi - a[1]),
+                  static_cast<float>(a[2] + kKtPi)};
     float costA = wrapTriple(a, r);
     float costB = wrapTriple(b, r);
     const float(&chosen)[3] = costA <= costB ? a : b;

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "app/MelWriter.h"
-#include "documents.h"
+#include "support/documents.h"
 #include "support/test_helpers.h"
 #include "toolkit/KtError.h"
 

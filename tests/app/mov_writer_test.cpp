@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "app/MovWriter.h"
-#include "documents.h"
+#include "support/documents.h"
 
 namespace
 {

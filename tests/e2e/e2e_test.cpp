@@ -78,29 +78,38 @@ struct Job
 
 } // namespace
 
-// The bundled example and the benchmark's two kinds of capture: every value
-// of the MOV file (positions under translating bones included) and the MEL
-// file stay as they were written before the converter was made fast.
+// The bundled example, the benchmark's two kinds of capture and a capture
+// of quirky names: every value of the MOV file (positions under translating
+// bones included) and the MEL file stay as they have always been written.
 TEST(Motbake, ConvertsTheKnownCapturesExactlyAsBefore)
 {
     const std::string examples = EXAMPLES_DIR "/";
     const std::string bench = BENCH_GOLDEN_DIR "/bench_";
-    // Skeleton, motion, and the outputs' name without their extension.
-    const std::string captures[][3] = {
+    const std::string quirky = TEST_DATA_DIR "/quirky/quirky";
+    // Skeleton, motion, frame rate, and the outputs' name without their
+    // extension. The quirky capture holds every quirk of names that the
+    // converter resolves.
+    const std::string captures[][4] = {
         {examples + "human.asf",
          examples + "walk.amc",
+         "30",
          examples + "expected/walk"},
-        {bench + "standard.asf", bench + "standard.amc", bench + "standard"},
+        {bench + "standard.asf",
+         bench + "standard.amc",
+         "30",
+         bench + "standard"},
         {bench + "translating.asf",
          bench + "translating.amc",
-         bench + "translating"}};
-    for (const auto& [asf, amc, expected] : captures)
+         "30",
+         bench + "translating"},
+        {quirky + ".asf", quirky + ".amc", "24", quirky}};
+    for (const auto& [asf, amc, fps, expected] : captures)
     {
         SCOPED_TRACE(expected);
         TempDir dir;
         std::string mel = dir.file("out.mel");
         std::string mov = dir.file("out.mov");
-        RunResult run = runMotbake({"-f", asf, amc, "30", mel, mov});
+        RunResult run = runMotbake({"-f", asf, amc, fps, mel, mov});
         EXPECT_EQ(0, run.status);
         EXPECT_EQ("", run.err);
         EXPECT_EQ(kBanner + reading(asf) + reading(amc) + writing(mel) +

@@ -1,55 +1,96 @@
-// PoseEvaluator: evaluateBodyFrame's systems for every body of a frame,
-// each formed once, top-down, and the rest placements kept across frames.
-#include "app/PoseEvaluator.h"
-
-#include <cstring>
+// ConverterPose: each body's systems formed once per frame, top-down, and the
+// rest placements kept across frames.
+#include "pose/ConverterPose.h"
 
 #include "amc/KaAMC.h"
-#include "app/BodyTable.h"
-#include "app/PoseEvaluation.h"
 #include "asf/KaASF.h"
 #include "asf/KaBoneFrame.h"
+#include "geometry/KtAngles.h"
 #include "geometry/KtEuler.h"
+#include "pose/BodyTable.h"
 
 namespace
 {
 
-constexpr const char* kRootName = "root";
 const KtCoordSystem kIdentitySystem;
+
+void applyRotation(KtCoordSystem& cs, int axis, float angle)
+{
+    switch (axis)
+    {
+    case kDofRX:
+        cs.preRotateX(angle);
+        break;
+    case kDofRY:
+        cs.preRotateY(angle);
+        break;
+    default:
+        cs.preRotateZ(angle);
+        break;
+    }
+}
 
 } // namespace
 
-PoseEvaluator::PoseEvaluator(const KaASF& asf,
+void applyDOFValue(
+    KtCoordSystem& cs, int dofKind, float value, float scale, int degrees)
+{
+    switch (dofKind)
+    {
+    case kDofTX:
+        cs.preTranslateX(value * scale);
+        break;
+    case kDofTY:
+        cs.preTranslateY(value * scale);
+        break;
+    case kDofTZ:
+        cs.preTranslateZ(value * scale);
+        break;
+    case kDofRX:
+    case kDofRY:
+    case kDofRZ:
+    {
+        // The product is taken in double and only then rounded to float.
+        float angle =
+            degrees ? static_cast<float>(value * kKtRadiansPerDegree) : value;
+        applyRotation(cs, dofKind, angle);
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+// The backward pass indexes the values from the last value, not the last
+// DOF; the two only differ for a body whose value count does not match its
+// DOFs, and then any index outside its values is skipped rather than read.
+void applyDOFCodes(KtCoordSystem& cs,
+                   const int* codes,
+                   int numCodes,
+                   const float* values,
+                   int numValues,
+                   float scale,
+                   int degrees)
+{
+    for (int i = 0; i < numCodes && i < numValues; ++i)
+        if (KaIsTranslationDOF(codes[i]))
+            applyDOFValue(cs, codes[i], values[i], scale, degrees);
+    int index = numValues - 1;
+    for (int i = numCodes - 1; i >= 0 && index >= 0; --i, --index)
+        if (KaIsRotationDOF(codes[i]))
+            applyDOFValue(cs, codes[i], values[index], scale, degrees);
+}
+
+ConverterPose::ConverterPose(const KaASF& asf,
                              const BodyTable& bodies,
                              float scale,
                              int degrees)
     : _bodies(bodies)
     , _scale(scale)
     , _degrees(degrees)
+    , _rootRest(rootRest(asf.root()))
 {
     int count = bodies.count();
-    _target._resize(count);
-    _parentTarget._resize(count);
-    for (int body = 0; body < count; ++body)
-    {
-        const char* name = bodies.name(body);
-        _target[body] = _evaluatedByName(asf, name);
-        _parentTarget[body] = kIdentity;
-        if (std::strcmp(name, kRootName) == 0)
-            continue;
-        const KaASFBone* bone = asf.findBone(name);
-        if (bone && bone->parent())
-            _parentTarget[body] =
-                _evaluatedByName(asf, bone->parent()->name().text());
-    }
-
-    // The root's rest system when the frame moves it; the identity when not.
-    const KaASFRoot& root = asf.root();
-    _rootRest.setTranslationVector(root.position());
-    _rootRest.setRotationMatrix(
-        KtComposeRotationMatrix(root.orientation(), root.axisOrder()));
-    _inverseOfIdentity.invert();
-
     _animatedSystems._resize(count);
     _animatedInFrame._resize(count);
     for (int moves = 0; moves < 2; ++moves)
@@ -59,17 +100,16 @@ PoseEvaluator::PoseEvaluator(const KaASF& asf,
     }
 }
 
-// As evaluateBodyFrame resolves its name: exactly "root" is the root, any
-// other name the first bone of that name ignoring case.
-int PoseEvaluator::_evaluatedByName(const KaASF& asf, const char* name) const
+KtCoordSystem ConverterPose::rootRest(const KaASFRoot& root)
 {
-    if (std::strcmp(name, kRootName) == 0)
-        return BodyTable::kRoot;
-    const KaASFBone* bone = asf.findBone(name);
-    return bone ? _bodies.bodyOf(bone) : kIdentity;
+    KtCoordSystem rest;
+    rest.setTranslationVector(root.position());
+    rest.setRotationMatrix(
+        KtComposeRotationMatrix(root.orientation(), root.axisOrder()));
+    return rest;
 }
 
-void PoseEvaluator::startFrame()
+void ConverterPose::startFrame()
 {
     if (++_frame == 0) // after 2^32 frames the marks start again
     {
@@ -80,27 +120,10 @@ void PoseEvaluator::startFrame()
     _rootMoves = _bodies.values(BodyTable::kRoot) ? 1 : 0;
 }
 
-// The parent's animated system is inverted and multiplied onto the body's;
-// the identity's inverse is the same every time, so it is formed once.
-KtPoint PoseEvaluator::position(int body)
-{
-    KtCoordSystem parent = _inverseOfIdentity;
-    if (_parentTarget[body] != kIdentity)
-    {
-        parent = _animated(_parentTarget[body]);
-        parent.invert();
-    }
-    KtCoordSystem system;
-    if (_target[body] != kIdentity)
-        system = _animated(_target[body]);
-    Kt4X4FloatMat::multiply(system, system, parent);
-    return system.translationVector();
-}
-
 // Climbs to the nearest body already evaluated in this frame (or to the
 // root), then evaluates the bodies on the way back down, so that a deep
 // hierarchy needs no deep call stack and no body is evaluated twice.
-const KtCoordSystem& PoseEvaluator::_animated(int body)
+const KtCoordSystem& ConverterPose::animated(int body)
 {
     _animationPath.clear();
     for (int b = body; _animatedInFrame[b] != _frame; b = _bodies.parent(b))
@@ -114,11 +137,18 @@ const KtCoordSystem& PoseEvaluator::_animated(int body)
     return _animatedSystems[body];
 }
 
-void PoseEvaluator::_animate(int body)
+const KtCoordSystem& ConverterPose::rest(int body)
+{
+    if (body != BodyTable::kRoot)
+        _placement(body);
+    return _placedRest(body);
+}
+
+void ConverterPose::_animate(int body)
 {
     KtCoordSystem& animated = _animatedSystems[body];
     if (body == BodyTable::kRoot)
-        animated = _rest(BodyTable::kRoot);
+        animated = _placedRest(BodyTable::kRoot);
     else
         Kt4X4FloatMat::multiply(animated,
                                 _placement(body).placed,
@@ -134,7 +164,8 @@ void PoseEvaluator::_animate(int body)
     _animatedInFrame[body] = _frame;
 }
 
-const KtCoordSystem& PoseEvaluator::_rest(int body) const
+// The rest system of a body already placed.
+const KtCoordSystem& ConverterPose::_placedRest(int body) const
 {
     if (body != BodyTable::kRoot)
         return _placements[_rootMoves][body].rest;
@@ -143,17 +174,19 @@ const KtCoordSystem& PoseEvaluator::_rest(int body) const
 
 // Placed top-down like the animated systems; a parent is placed before its
 // children, so its rest system is ready for them.
-const PoseEvaluator::Placement& PoseEvaluator::_placement(int body)
+const ConverterPose::Placement& ConverterPose::_placement(int body)
 {
     KtDArray<Placement>& placements = _placements[_rootMoves];
     KtDArray<char>& placed = _placed[_rootMoves];
+    if (placed[body])
+        return placements[body];
     _placementPath.clear();
     for (int b = body; b != BodyTable::kRoot && !placed[b];
          b = _bodies.parent(b))
         _placementPath.push_back(b);
     for (auto b = _placementPath.rbegin(); b != _placementPath.rend(); ++b)
     {
-        const KtCoordSystem& parentRest = _rest(_bodies.parent(*b));
+        const KtCoordSystem& parentRest = _placedRest(_bodies.parent(*b));
         Placement& placement = placements[*b];
         KtCoordSystem axisFrame;
         KaGetComposedBoneMatrices(

@@ -1,5 +1,5 @@
-// BodyTable: the skeleton's bodies as the writers and the pose evaluation go
-// through them, and each body's values in a frame of motion.
+// BodyTable: the skeleton's bodies, numbered once for every output, and the
+// one place where a name is resolved to a body.
 #pragma once
 
 #include <unordered_map>
@@ -16,10 +16,17 @@ class KaASFDOFGroup;
 // Body 0 is the root, named "root"; bodies 1 to count() - 1 are the bones in
 // bone-list order. Each carries its DOF codes, gathered once, so that no
 // frame walks the DOF lists again.
+//
+// Names resolve as the converter has always resolved them, and only here:
+// - in a skeleton, exactly "root" means the root and any other name the
+//   first bone of that name ignoring case (namedBody);
+// - in a frame, a body's values are those of the first bone line whose name
+//   equals the body's ignoring case (bind).
 class BodyTable
 {
 public:
     static constexpr int kRoot = 0;
+    static constexpr int kNone = -1;
 
     // motionNames: the bone names that the motion's fields share by
     // position (KaAMC::boneNames), or null. A frame whose bones are named by
@@ -37,21 +44,29 @@ public:
     const KaASFBone* bone(int body) const { return _bodies[body].bone; }
     // The body a bone is placed under: its parent bone, or the root.
     int parent(int body) const { return _bodies[body].parent; }
-    // The body of a skeleton bone (null gives -1).
-    int bodyOf(const KaASFBone* bone) const;
+    // The body of the bone's parent bone; kNone for the root and for the
+    // bones that hang from it.
+    int parentBone(int body) const { return _bodies[body].parentBone; }
+
+    // The body that the name means in the skeleton, kNone when none.
+    int bodyNamed(const char* name) const;
+    // The body that this body's own name means: itself, unless an earlier
+    // bone has the same name ignoring case, or the bone is named "root".
+    int namedBody(int body) const { return _bodies[body].named; }
 
     const int* codes(int body) const
     {
         return _codes.data() + _bodies[body].firstCode;
     }
     int numCodes(int body) const { return _bodies[body].numCodes; }
-    bool translates(int body) const { return _bodies[body].translates; }
 
     // Looks every body's values up in the frame: values(body) is then
     // exactly what frame.findBone(name(body)) returns, null when the frame
     // has none. The frame must outlive the binding.
     void bind(const KaAMCField& frame);
     const KaAMCBone* values(int body) const { return _values[body]; }
+    // All bodies' values, indexed by body.
+    const KaAMCBone* const* boundValues() const { return _values.data(); }
 
 private:
     struct Body
@@ -59,9 +74,10 @@ private:
         const KaASFBone* bone = nullptr;
         const KaASFDOFGroup* dofs = nullptr;
         int parent = kRoot;
+        int parentBone = kNone;
+        int named = kNone;
         int firstCode = 0;
         int numCodes = 0;
-        bool translates = false;
         // Where findBone would find the body's name in motionNames: the
         // first position equal ignoring case, or -1.
         int namePosition = -1;
@@ -72,11 +88,13 @@ private:
                   const KaASFDOFGroup& dofs,
                   int& code);
     void _locateNames(const KtArray<KtStr>& names);
-    void _linkParents();
+    void _linkBodies();
+    int _bodyOf(const KaASFBone* bone) const;
 
     KtDArray<Body> _bodies;
     KtDArray<int> _codes;
     std::unordered_map<const KaASFBone*, int> _bodyOfBone;
+    const KaASF& _asf;
     const KtArray<KtStr>* _motionNames;
     KtDArray<const KaAMCBone*> _values;
 };

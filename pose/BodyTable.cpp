@@ -1,20 +1,16 @@
-// BodyTable: the skeleton's bodies with their DOF codes, and the lookup of
-// their values in a frame by the position of their names.
-#include "app/BodyTable.h"
+// BodyTable: the skeleton's bodies with their DOF codes, what their names
+// mean, and the lookup of their values in a frame by the position of names.
+#include "pose/BodyTable.h"
+
+#include <cstring>
 
 #include "amc/KaAMC.h"
 #include "asf/KaASF.h"
 #include "toolkit/KtNameIndex.h"
 
-namespace
-{
-
-constexpr const char* kRootName = "root";
-
-} // namespace
-
 BodyTable::BodyTable(const KaASF& asf, const KtArray<KtStr>* motionNames)
-    : _motionNames(motionNames)
+    : _asf(asf)
+    , _motionNames(motionNames)
 {
     int numCodes = asf.root().dofGroup().numDOFs();
     for (const KaASFBone* bone : asf.bones())
@@ -28,20 +24,27 @@ BodyTable::BodyTable(const KaASF& asf, const KtArray<KtStr>* motionNames)
     int body = 1;
     for (const KaASFBone* bone : asf.bones())
         _addBody(body++, bone, bone->dofGroup(), code);
-    _linkParents();
+    _linkBodies();
     if (_motionNames)
         _locateNames(*_motionNames);
 }
 
 const char* BodyTable::name(int body) const
 {
-    return body == kRoot ? kRootName : _bodies[body].bone->name().text();
+    return body == kRoot ? kKaRootName : _bodies[body].bone->name().text();
 }
 
-int BodyTable::bodyOf(const KaASFBone* bone) const
+int BodyTable::bodyNamed(const char* name) const
+{
+    if (std::strcmp(name, kKaRootName) == 0)
+        return kRoot;
+    return _bodyOf(_asf.findBone(name));
+}
+
+int BodyTable::_bodyOf(const KaASFBone* bone) const
 {
     auto found = _bodyOfBone.find(bone);
-    return found == _bodyOfBone.end() ? -1 : found->second;
+    return found == _bodyOfBone.end() ? kNone : found->second;
 }
 
 void BodyTable::_addBody(int body,
@@ -55,20 +58,20 @@ void BodyTable::_addBody(int body,
     b.firstCode = code;
     b.numCodes = dofs.numDOFs();
     for (const KaASFDOF* dof : dofs.dofs())
-    {
         _codes[code++] = dof->code();
-        b.translates = b.translates || KaIsTranslationDOF(dof->code());
-    }
 }
 
-void BodyTable::_linkParents()
+void BodyTable::_linkBodies()
 {
     for (int body = 1; body < count(); ++body)
         _bodyOfBone.emplace(_bodies[body].bone, body);
+    _bodies[kRoot].named = kRoot;
     for (int body = 1; body < count(); ++body)
     {
-        int parent = bodyOf(_bodies[body].bone->parent());
-        _bodies[body].parent = parent < 0 ? kRoot : parent;
+        Body& b = _bodies[body];
+        b.parentBone = _bodyOf(b.bone->parent());
+        b.parent = b.parentBone == kNone ? kRoot : b.parentBone;
+        b.named = bodyNamed(b.bone->name().text());
     }
 }
 

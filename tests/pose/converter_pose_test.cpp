@@ -1,0 +1,92 @@
+// The converter's pose: DOF values applied as "pre" operations in their
+// order and units, bodies evaluated down from the root.
+#include <tuple>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "geometry/KtCoordSystem.h"
+#include "pose/PoseEvaluation.h"
+#include "support/documents.h"
+#include "support/geometry_helpers.h"
+
+namespace
+{
+constexpr int kX = 0;
+constexpr int kY = 1;
+constexpr int kZ = 2;
+constexpr float kQuarter = 1.5707963267948966f;
+
+} // namespace
+
+// Translations first, in DOF order, then rotations from the last DOF back,
+// each through a "pre" operation (the last one applied stands leftmost),
+// their values counted back from the last value; too few values are never
+// read past their end. Angles are degrees only when the flag says so;
+// translations are scaled; other kinds are ignored.
+TEST(ApplyDOFValues, TranslationsFirstThenRotationsFromTheLastValue)
+{
+    const float scale = static_cast<float>(1.0 / 0.45);
+    // DOFs, values, degrees flag, expected frame.
+    // clang-format off
+    const std::tuple<std::vector<int>, std::vector<float>, int, Kt4X4FloatMat> cases[] = {
+        {{kDofRX}, {90}, 1, rotationMatrix(kX, kQuarter)},
+        {{kDofRX}, {90}, 0, rotationMatrix(kX, 90)},
+        {{kDofTX, kDofL}, {10, 5}, 1, translationMatrix(22.2222f, 0, 0)},
+        {{kDofTX, kDofTY, kDofTZ, kDofRZ, kDofRY, kDofRX}, {0.45f, 0.9f, 1.35f, 0.3f, 0.2f, 0.1f}, 0,
+         rotationMatrix(kZ, 0.3f) * rotationMatrix(kY, 0.2f) * rotationMatrix(kX, 0.1f) * translationMatrix(1, 2, 3)},
+        // tx takes the one value and ty finds none; counting back from the
+        // last value, rz takes it too and rx finds none.
+        {{kDofTX, kDofRX, kDofTY, kDofRZ}, {0.45f}, 0, rotationMatrix(kZ, 0.45f) * translationMatrix(1, 0, 0)}};
+    // clang-format on
+    for (const auto& [dofs, values, degrees, expected] : cases)
+    {
+        KaASFDOFGroup group;
+        for (int code : dofs)
+            group.addDOF(code);
+        KtCoordSystem cs;
+        int count = static_cast<int>(values.size());
+        applyDOFValues(cs, group, values.data(), count, scale, degrees);
+        EXPECT_MATRIX_NEAR(expected, cs) << dofs.size();
+    }
+}
+
+// A frame without root values leaves the root at the identity, wherever the
+// skeleton places it; a bone absent from the frame keeps its rest placement
+// under its parent's animated frame. With values the root starts from its
+// position as written (the length unit does not apply) and orientation.
+TEST(EvaluateBodyFrame, WalksDownFromTheRoot)
+{
+    KaASF asf = skeletonFrom(
+        ":version 1.10\n:units length 0.5 angle rad\n"
+        ":root order TX RZ axis XYZ position 1 2 3 orientation 0 0 0.5\n"
+        ":bonedata\n" +
+        boneBlock("a", "rz") + boneBlock("b", "rx") +
+        ":hierarchy\n  begin\n    root a\n    a b\n  end\n");
+    KaAMC amc = motionFrom("1\na 0.25\nroot 4 0.25\n2\na 0.25\n", "RADIANS");
+    const Kt4X4FloatMat identity;
+    const Kt4X4FloatMat rootRest =
+        rotationMatrix(kZ, 0.5f) * translationMatrix(1, 2, 3);
+    // Field, body, rest and animated frames.
+    const std::tuple<int, const char*, Kt4X4FloatMat, Kt4X4FloatMat> cases[] = {
+        {1, "root", identity, identity},
+        // b sits at a's end (2, 0, 0) in a's rest orientation.
+        {1,
+         "b",
+         translationMatrix(2, 0, 0),
+         translationMatrix(2, 0, 0) * rotationMatrix(kZ, 0.25f)},
+        // 4 in the length unit 0.5 is 8.
+        {0,
+         "root",
+         rootRest,
+         rotationMatrix(kZ, 0.25f) * translationMatrix(8, 0, 0) * rootRest},
+    };
+    for (const auto& [field, body, restFrame, animatedFrame] : cases)
+    {
+        KtCoordSystem animated;
+        KtCoordSystem rest;
+        evaluateBodyFrame(animated, rest, asf, amc.field(field), body, 2.0f, 0);
+        EXPECT_MATRIX_NEAR(restFrame, rest) << body;
+        EXPECT_MATRIX_NEAR(animatedFrame, animated) << body;
+    }
+}

@@ -1,0 +1,28 @@
+// KtFloatWriter: the block of text and its two ways of writing a number.
+#include "toolkit/KtFloatWriter.h"
+
+#include <ostream>
+
+KtFloatWriter::KtFloatWriter(std::ostream& out)
+    : _out(out)
+    , _fast(KtStreamFormatsFloatsByDefault(out))
+{
+}
+
+void KtFloatWriter::number(float value)
+{
+    _makeRoom();
+    if (_fast)
+    {
+        _end = KtFormatFloat(_end, value);
+        return;
+    }
+    flush();
+    _out << value;
+}
+
+void KtFloatWriter::flush()
+{
+    _out.write(_block, _end - _block);
+    _end = _block;
+}
