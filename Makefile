@@ -1,6 +1,6 @@
-# The front door: make demo, make test, make build, make bench,
-# make verify-format, make fuzz, make format, make format-check. Missing
-# Debian packages are installed when run as root.
+# The front door: make demo, make test, make demo-check, make build,
+# make bench, make verify-format, make fuzz, make format, make format-check.
+# Missing Debian packages are installed when run as root.
 
 BUILD_DIR  ?= build/release
 TEST_DIR   ?= build/test
@@ -13,8 +13,9 @@ BUILD_PACKAGES := cmake g++ make
 TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs
 FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
 FUZZ_TARGETS   := skeleton motion conversion
+DEMO_OUTPUTS   := walk.mel walk.mov
 
-.PHONY: all build test demo bench verify-format fuzz format format-check clean
+.PHONY: all build test demo demo-check bench verify-format fuzz format format-check clean
 
 all: build
 
@@ -28,6 +29,14 @@ demo: build
 	mkdir -p out
 	$(BUILD_DIR)/app/motbake -f examples/human.asf examples/walk.amc 30 \
 	    out/walk.mel out/walk.mov
+
+# The Release build that users run: the demo's outputs must equal the
+# expected files byte for byte.
+demo-check: demo
+	@for file in $(DEMO_OUTPUTS); do \
+	    cmp out/$$file examples/expected/$$file || exit 1; \
+	done
+	@echo "demo outputs equal examples/expected/"
 
 # Sanitizers and warnings-as-errors, then every test.
 test:
