@@ -6,6 +6,7 @@
 #include "app/MelWriter.h"
 #include "app/MovWriter.h"
 #include "asf/KaASF.h"
+#include "program/DistinctFiles.h"
 #include "program/ExitStatus.h"
 #include "program/InputFile.h"
 #include "program/OutputFile.h"
@@ -54,6 +55,10 @@ void writeMOV(const char* path, const KaASF& asf, const KaAMC& amc, int fps)
 
 int runConversion(const RunArguments& run)
 {
+    // Replacing an input with an output would destroy the capture.
+    checkDistinctFiles({run.asfFile, run.amcFile}, {run.melFile, run.movFile});
+    if (KtCheckException())
+        return kExitFailure;
     KaASF asf;
     KaAMC amc;
     if (!readInputFile(run.asfFile, [&] { asf.read(run.asfFile); }) ||

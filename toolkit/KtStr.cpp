@@ -3,6 +3,7 @@
 
 #include <cctype>
 #include <cerrno>
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -460,12 +461,14 @@ bool KtStr::longValue(long* out) const
     return *end == '\0' && errno != ERANGE;
 }
 
+// A value that an int cannot hold does not parse: narrowed, 4294967326
+// would read as 30.
 bool KtStr::intValue(int* out) const
 {
     long value = 0;
     bool ok = longValue(&value);
     *out = static_cast<int>(value);
-    return ok;
+    return ok && value >= INT_MIN && value <= INT_MAX;
 }
 
 bool KtStr::unsignedLongValue(unsigned long* out) const

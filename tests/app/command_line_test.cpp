@@ -124,7 +124,7 @@ TEST(CommandLine, HelpOptionsAndArgumentChecks)
         // Options after the first positional argument are positional.
         {{"a", "b", "30", "c", "d", "-f"}, 1, banner, count},
         {{"a", "b", "29", "c", "d"}, 1, banner, fps}, {{"a", "b", "30.0", "c", "d"}, 1, banner, fps},
-        {{"a", "b", "abc", "c", "d"}, 1, banner, fps}};
+        {{"a", "b", "abc", "c", "d"}, 1, banner, fps}, {{"a", "b", "4294967326", "c", "d"}, 1, banner, fps}};
     // clang-format on
     for (const auto& c : cases)
     {

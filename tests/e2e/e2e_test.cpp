@@ -1,6 +1,7 @@
 // Runs the built motbake binary and checks exit status, standard output,
 // standard error and the files it writes, together.
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -234,4 +235,35 @@ TEST(Motbake, DofMismatchesWarnThenTheMovFileFails)
                         "match the number of degrees of freedom in the ASF."}),
         run.err);
     EXPECT_EQ("0.0333333 ", readFile(job.mov));
+}
+
+// An output that is an input or the other output, under any spelling or
+// through a link, is refused before anything is read or written, even with
+// -f.
+TEST(Motbake, RefusesAnOutputThatIsAnInputOrTheOtherOutput)
+{
+    Job job;
+    const std::string link = job.dir.file("link.amc");
+    ASSERT_EQ(0, ::link(job.amc.c_str(), link.c_str()));
+    const std::string dotted = job.dir.path() + "/./body.asf";
+    // Neither exists yet: the folder and the name tell.
+    const std::string sameMel = job.dir.path() + "//100%d %s 'x' $HOME;.mel";
+    // clang-format off
+    const struct { std::string mel, mov, err; } cases[] = {
+        {job.amc, job.mov, "The output \"" + job.amc + "\" is the input \"" + job.amc + "\": nothing was written."},
+        {job.mel, dotted, "The output \"" + dotted + "\" is the input \"" + job.asf + "\": nothing was written."},
+        {link, job.mov, "The output \"" + link + "\" is the input \"" + job.amc + "\": nothing was written."},
+        {job.mel, sameMel, "The outputs \"" + job.mel + "\" and \"" + sameMel + "\" are the same file: nothing was written."}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.err);
+        RunResult run =
+            runMotbake({"-f", job.asf, job.amc, "30", c.mel, c.mov});
+        EXPECT_EQ(1, run.status);
+        EXPECT_EQ(kBanner, run.out);
+        EXPECT_EQ(errorBlock({c.err.c_str()}), run.err);
+        EXPECT_EQ(kMotion, readFile(job.amc));
+        EXPECT_FALSE(KtFileExists(job.mel.c_str()));
+    }
 }

@@ -85,7 +85,9 @@ TEST(KtStr, NumbersParseOnlyWhenTheWholeTextIsUsed)
     // clang-format off
     const struct { const char* text; bool ok; int value; } cases[] = {
         {"12", true, 12}, {" 12", true, 12}, {"+30", true, 30}, {"", true, 0},
-        {"12 ", false, 12}, {"12abc", false, 12}, {"30.0", false, 30}};
+        {"12 ", false, 12}, {"12abc", false, 12}, {"30.0", false, 30},
+        {"2147483647", true, 2147483647}, {"-2147483648", true, -2147483647 - 1},
+        {"4294967326", false, 30}, {"-4294967266", false, 30}};
     // clang-format on
     for (const auto& c : cases)
     {
