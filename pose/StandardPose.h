@@ -32,11 +32,11 @@ public:
     // skeleton here; the pose keeps no reference to it, and starts at rest.
     explicit StandardPose(const KaASF& asf);
 
-    // values has count() entries: values[body] holds the body's values in the frame in its DOF order,
-    // or is null when the frame lacks the body (M = identity, t = 0). Angles
-    // are degrees when degrees is non-zero, else radians. At most as many
-    // values as the body has DOFs are read, and no more than it holds; an
-    // "l" DOF is ignored.
+    // values has count() entries: values[body] holds the body's values in
+    // the frame in its DOF order, or is null when the frame lacks the body
+    // (M = identity, t = 0). Angles are degrees when degrees is non-zero,
+    // else radians. At most as many values as the body has DOFs are read,
+    // and no more than it holds; an "l" DOF is ignored.
     void evaluate(const KaAMCBone* const* values, int degrees);
     // Every M the identity and every t zero.
     void evaluateRest();
