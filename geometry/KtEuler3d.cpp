@@ -1,0 +1,115 @@
+// Rotations in double precision: elementary rotations, composition,
+// decomposition and the closest equivalent triple.
+#include "geometry/KtEuler3d.h"
+
+#include <cmath>
+
+namespace
+{
+
+constexpr double kPi = 3.141592653589793;
+constexpr double kTwoPi = 2.0 * kPi;
+
+bool isAxisCode(int code)
+{
+    return code >= 1 && code <= 3;
+}
+
+bool namesThreeAxes(const int (&order)[3])
+{
+    return isAxisCode(order[0]) && isAxisCode(order[1]) &&
+           isAxisCode(order[2]) && order[0] != order[1] &&
+           order[1] != order[2] && order[0] != order[2];
+}
+
+// X -> Y -> Z -> X; the other orders mirror the signs of the terms.
+bool isCyclic(const int (&order)[3])
+{
+    return order[1] == order[0] % 3 + 1;
+}
+
+// The angle moved by whole turns to within half a turn of near.
+double nearestTurn(double angle, double near)
+{
+    return near + std::remainder(angle - near, kTwoPi);
+}
+
+double squaredDistance(const KtVec3d& a, const KtVec3d& b)
+{
+    KtVec3d d = a - b;
+    return d[0] * d[0] + d[1] * d[1] + d[2] * d[2];
+}
+
+} // namespace
+
+KtMat3d KtAxisRotation3d(int axis, double angle)
+{
+    KtMat3d r;
+    if (!isAxisCode(axis))
+        return r;
+    // The two axes after this one, cyclically: the rotation turns p toward q.
+    int p = axis % 3;
+    int q = (axis + 1) % 3;
+    double c = std::cos(angle);
+    double s = std::sin(angle);
+    r[p][p] = c;
+    r[p][q] = -s;
+    r[q][p] = s;
+    r[q][q] = c;
+    return r;
+}
+
+KtMat3d KtComposeRotation3d(const KtVec3d& angles, const int (&order)[3])
+{
+    KtMat3d r;
+    for (int code : order)
+        if (isAxisCode(code))
+            r = KtAxisRotation3d(code, angles[code - 1]) * r;
+    return r;
+}
+
+// With r = Rk(c) . Rj(b) . Ri(a) (i first), row k of r is
+// (-e sin b, e cos b sin a, cos b cos a) at columns (i, j, k), e being 1 for
+// a cyclic order and -1 for the others; a comes from it with the common
+// factor cos b cancelling. Taking Ri(a) off leaves Rk(c) . Rj(b), whose
+// row k gives b and whose column j gives c, both from terms of magnitude
+// up to 1 however close b is to a quarter turn.
+KtVec3d KtDecomposeRotation3d(const KtMat3d& r, const int (&order)[3])
+{
+    KtVec3d angles;
+    if (!namesThreeAxes(order))
+        return angles;
+    const int i = order[0] - 1;
+    const int j = order[1] - 1;
+    const int k = order[2] - 1;
+    const double e = isCyclic(order) ? 1.0 : -1.0;
+    // Adding zero turns a signed zero of an exact lock into +0, so that the
+    // first angle there is 0 rather than a half turn.
+    double a = std::atan2(e * r[k][j] + 0.0, r[k][k] + 0.0);
+    KtMat3d n = r * KtAxisRotation3d(order[0], -a);
+    angles[i] = a;
+    angles[j] = std::atan2(-e * n[k][i], n[k][k]);
+    angles[k] = std::atan2(-e * n[i][j], n[j][j]);
+    return angles;
+}
+
+KtVec3d KtClosestAngles3d(const KtVec3d& angles,
+                          const KtVec3d& previous,
+                          const int (&order)[3])
+{
+    KtVec3d same;
+    for (int axis = 0; axis < 3; ++axis)
+        same[axis] = nearestTurn(angles[axis], previous[axis]);
+    if (!namesThreeAxes(order))
+        return same;
+    const int i = order[0] - 1;
+    const int j = order[1] - 1;
+    const int k = order[2] - 1;
+    KtVec3d other;
+    other[i] = nearestTurn(angles[i] + kPi, previous[i]);
+    other[j] = nearestTurn(kPi - angles[j], previous[j]);
+    other[k] = nearestTurn(angles[k] + kPi, previous[k]);
+    return squaredDistance(other, previous) < squaredDistance(same, previous)
+               ? other
+               : same;
+}
