@@ -4,11 +4,12 @@
 
 #include <cmath>
 
+#include "geometry/KtAngles.h"
+
 namespace
 {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 2.0 * kPi;
+constexpr double kTwoPi = 2.0 * kKtPi;
 
 bool isAxisCode(int code)
 {
@@ -106,9 +107,9 @@ KtVec3d KtClosestAngles3d(const KtVec3d& angles,
     const int j = order[1] - 1;
     const int k = order[2] - 1;
     KtVec3d other;
-    other[i] = nearestTurn(angles[i] + kPi, previous[i]);
-    other[j] = nearestTurn(kPi - angles[j], previous[j]);
-    other[k] = nearestTurn(angles[k] + kPi, previous[k]);
+    other[i] = nearestTurn(angles[i] + kKtPi, previous[i]);
+    other[j] = nearestTurn(kKtPi - angles[j], previous[j]);
+    other[k] = nearestTurn(angles[k] + kKtPi, previous[k]);
     return squaredDistance(other, previous) < squaredDistance(same, previous)
                ? other
                : same;

@@ -7,12 +7,12 @@
 
 #include "amc/KaAMC.h"
 #include "asf/KaASF.h"
+#include "geometry/KtAngles.h"
 #include "geometry/KtEuler3d.h"
 
 namespace
 {
 
-constexpr double kRadiansPerDegree = 3.141592653589793 / 180.0;
 // The root hangs from the world: it is not turned, and ends at its position.
 constexpr KtMat3d kWorldRotation;
 
@@ -98,7 +98,7 @@ void StandardPose::_orderParentsFirst()
 
 void StandardPose::evaluate(const KaAMCBone* const* values, int degrees)
 {
-    double angleScale = degrees ? kRadiansPerDegree : 1.0;
+    double angleScale = degrees ? kKtRadiansPerDegree : 1.0;
     for (int body : _visitOrder)
         _evaluateBody(body, values ? values[body] : nullptr, angleScale);
 }
