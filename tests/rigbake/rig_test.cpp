@@ -78,7 +78,7 @@ void expectPromiseKept(const KaASF& asf, const KaAMC& amc)
 
 } // namespace
 
-TEST(Rigbake, MotbakesChannelsPoseTheRigAsTheStandardPose)
+TEST(RigScript, MotbakesChannelsPoseTheRigAsTheStandardPose)
 {
     // clang-format off
     const struct { const char* what; std::string skeleton, motion; } cases[] = {
