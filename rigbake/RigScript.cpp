@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <ostream>
+#include <string>
 
 #include "rigbake/RigJoints.h"
 #include "rigbake/Version.h"

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "geometry/KtMat3d.h"
+
 // Row vectors, as Maya's own matrices: a joint's local matrix is
 // [R][JO][T] (its rotation, then its joint orient, then its translation),
 // and its world matrix is its local matrix times its parent's world matrix.
@@ -20,8 +22,6 @@
 class MayaJointModel
 {
 public:
-    using Vec = std::array<double, 3>;
-
     // The createNode and setAttr lines of a rig script.
     void source(const std::string& rigScript)
     {
@@ -68,12 +68,14 @@ public:
 
     bool has(const std::string& joint) const { return _joints.count(joint); }
 
-    Vec worldPosition(const std::string& joint) const
+    KtVec3d worldPosition(const std::string& joint) const
     {
-        return world(joint).position;
+        const Vec p = world(joint).position;
+        return KtVec3d(p[0], p[1], p[2]);
     }
 
 private:
+    using Vec = std::array<double, 3>;
     struct Joint
     {
         std::string name, parent;
