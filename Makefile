@@ -13,7 +13,7 @@ BUILD_PACKAGES := cmake g++ make
 TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs
 FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
 FUZZ_TARGETS   := skeleton motion conversion
-DEMO_OUTPUTS   := walk.mel walk.mov
+DEMO_OUTPUTS   := walk.mel walk.mov human_rig.mel
 
 .PHONY: all build test demo demo-check bench verify-format fuzz format format-check clean
 
@@ -24,11 +24,13 @@ build:
 	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Release -DMOTBAKE_BUILD_TESTS=OFF
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
-# Converts the bundled example into out/, showing the progress lines.
+# Converts the bundled example into out/, showing the progress lines, and
+# writes the rig script of its skeleton.
 demo: build
 	mkdir -p out
 	$(BUILD_DIR)/app/motbake -f examples/human.asf examples/walk.amc 30 \
 	    out/walk.mel out/walk.mov
+	$(BUILD_DIR)/rigbake/rigbake -f examples/human.asf out/human_rig.mel
 
 # The Release build that users run: the demo's outputs must equal the
 # expected files byte for byte.

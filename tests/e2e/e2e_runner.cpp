@@ -1,4 +1,4 @@
-// Runs the built motbake binary: fork, exec, collect, wait.
+// Runs the built programs: fork, exec, collect, wait.
 #include "e2e/e2e_runner.h"
 
 #include <cstdio>
@@ -9,7 +9,8 @@
 
 #include "support/test_helpers.h"
 
-RunResult runMotbake(const std::vector<std::string>& args,
+RunResult runProgram(const std::string& program,
+                     const std::vector<std::string>& args,
                      const std::string& input,
                      const std::string& workDir)
 {
@@ -20,8 +21,8 @@ RunResult runMotbake(const std::vector<std::string>& args,
     writeFile(inPath, input);
 
     std::vector<char*> argv;
-    std::string program = MOTBAKE_BIN;
-    argv.push_back(&program[0]);
+    std::string path = program;
+    argv.push_back(&path[0]);
     std::vector<std::string> copies(args);
     for (std::string& arg : copies)
         argv.push_back(&arg[0]);
@@ -50,4 +51,17 @@ RunResult runMotbake(const std::vector<std::string>& args,
     result.out = readFile(outPath);
     result.err = readFile(errPath);
     return result;
+}
+
+RunResult runMotbake(const std::vector<std::string>& args,
+                     const std::string& input,
+                     const std::string& workDir)
+{
+    return runProgram(MOTBAKE_BIN, args, input, workDir);
+}
+
+RunResult runRigbake(const std::vector<std::string>& args,
+                     const std::string& input)
+{
+    return runProgram(RIGBAKE_BIN, args, input);
 }

@@ -1,4 +1,4 @@
-// Runs the built motbake binary with given arguments and standard input.
+// Runs the built programs with given arguments and standard input.
 #pragma once
 
 #include <string>
@@ -11,8 +11,16 @@ struct RunResult
     std::string err;
 };
 
-// Runs MOTBAKE_BIN in workDir (the current directory when empty) with the
+// Runs the program in workDir (the current directory when empty) with the
 // given standard input, collecting both output streams.
+RunResult runProgram(const std::string& program,
+                     const std::vector<std::string>& args,
+                     const std::string& input = "",
+                     const std::string& workDir = "");
+
+// The same for MOTBAKE_BIN and RIGBAKE_BIN.
 RunResult runMotbake(const std::vector<std::string>& args,
                      const std::string& input = "",
                      const std::string& workDir = "");
+RunResult runRigbake(const std::vector<std::string>& args,
+                     const std::string& input = "");
