@@ -1,5 +1,5 @@
-// Reading skeleton files: KaASFReader's section readers and the reading
-// members of KaASF.
+// The skeleton reader's core: tokens, messages and numbers, the header, the
+// section loop with the short sections and the root, and the entry points.
 #include "asf/KaASFReader.h"
 
 #include <climits>
@@ -7,31 +7,19 @@
 #include <cstring>
 #include <string>
 #include <strings.h>
-#include <unordered_set>
-#include <vector>
 
 #include "asf/KaASF.h"
 #include "asf/KaAxisOrder.h"
-#include "toolkit/KtCancelHandler.h"
-#include "toolkit/KtCompStream.h"
+#include "asf/Ka_ASFParser.h"
 #include "toolkit/KtError.h"
 
 namespace
 {
 
-// Long sections give the user a chance to cancel after this many bones,
-// groups or hierarchy links.
-constexpr int kPollEvery = 10;
 // Longer skeleton names are kept, with a warning.
 constexpr size_t kNameLimit = 50;
-// Channels are named once each, so real lists hold at most seven DOFs. Only
-// references to groups can repeat a channel, and this cap keeps such repeats
-// from multiplying through groups that refer to groups.
-constexpr int kMaxDOFsInList = 16;
 // Degrees to radians, in double precision; each result is stored as float.
 constexpr double kRadiansPerDegree = 0.017453292519943295;
-constexpr int kPointSize = 3;
-constexpr size_t kDrainChunk = 1024;
 
 // As "%g" reads a float: leading blanks, a sign and the longest prefix that
 // forms a number ("1.5abc" is 1.5). Nothing converted gives 0 and false.
@@ -73,37 +61,7 @@ bool headerFailure(const char* message)
 
 } // namespace
 
-// What one begin ... end block has given so far.
-struct KaASFReader::BlockState
-{
-    bool name = false;
-    bool dof = false;
-    bool limits = false;
-};
-
-struct KaASFReader::BoneBlock : BlockState
-{
-    static constexpr const char* kSection = ":bonedata";
-
-    KaASFBone bone;
-    bool id = false;
-    bool direction = false;
-    bool length = false;
-    bool axis = false;
-    bool bodyMass = false;
-    bool cofMass = false;
-    // Once set, "id" and "name" are refused: they must come first.
-    bool ordered = false;
-};
-
-struct KaASFReader::GroupBlock : BlockState
-{
-    static constexpr const char* kSection = ":dofgroups";
-
-    KaASFDOFGroup group;
-};
-
-struct KaASFReader::RootState
+struct Ka_ASFParser::RootState
 {
     bool axis = false;
     bool order = false;
@@ -111,23 +69,15 @@ struct KaASFReader::RootState
     bool orientation = false;
 };
 
-struct KaASFReader::HierarchyState
-{
-    KaASFBone* parent = nullptr; // null: the root
-    bool firstChildArmed = true;
-    bool done = false;
-    int children = 0;
-};
-
-struct KaASFReader::Section
+struct Ka_ASFParser::Section
 {
     const char* keyword;
-    bool (KaASFReader::*read)();
+    bool (Ka_ASFParser::*read)();
     const char* failure;
     bool internalOnly;
 };
 
-KaASFReader::KaASFReader(std::istream& in, KaASF* document)
+Ka_ASFParser::Ka_ASFParser(std::istream& in, KaASF* document)
     : _tokenizer(in)
     , _document(document)
 {
@@ -135,7 +85,7 @@ KaASFReader::KaASFReader(std::istream& in, KaASF* document)
 
 // ---------------------------------------------------------------- tokens
 
-bool KaASFReader::_next()
+bool Ka_ASFParser::_next()
 {
     if (_held)
         _held = false;
@@ -144,7 +94,7 @@ bool KaASFReader::_next()
     return !_atEnd();
 }
 
-bool KaASFReader::_nextInLine()
+bool Ka_ASFParser::_nextInLine()
 {
     if (_held)
         _held = false;
@@ -155,32 +105,32 @@ bool KaASFReader::_nextInLine()
 
 // A word that the end of the file cuts short is still a word; the input has
 // ended only when nothing more could be read.
-bool KaASFReader::_atEnd() const
+bool Ka_ASFParser::_atEnd() const
 {
     return _token[0] == '\0' && !_tokenizer.good();
 }
 
-bool KaASFReader::_is(const char* keyword) const
+bool Ka_ASFParser::_is(const char* keyword) const
 {
     return strcasecmp(_token, keyword) == 0;
 }
 
-bool KaASFReader::_isEndOfSection() const
+bool Ka_ASFParser::_isEndOfSection() const
 {
     return std::strcmp(_token, ASFTokenizer::kEndOfSection) == 0;
 }
 
-bool KaASFReader::_isEndOfLine() const
+bool Ka_ASFParser::_isEndOfLine() const
 {
     return std::strcmp(_token, ASFTokenizer::kEndOfLine) == 0;
 }
 
 // -------------------------------------------------------------- messages
 
-void KaASFReader::_raise(bool warning,
-                         int line,
-                         const char* format,
-                         va_list args)
+void Ka_ASFParser::_raise(bool warning,
+                          int line,
+                          const char* format,
+                          va_list args)
 {
     KtStr message;
     message.setV(format, args);
@@ -190,7 +140,7 @@ void KaASFReader::_raise(bool warning,
         KtError("Line %d:  %s", line, message.text());
 }
 
-bool KaASFReader::_fail(const char* format, ...)
+bool Ka_ASFParser::_fail(const char* format, ...)
 {
     va_list args;
     va_start(args, format);
@@ -199,7 +149,7 @@ bool KaASFReader::_fail(const char* format, ...)
     return false;
 }
 
-bool KaASFReader::_failAtLine(int line, const char* format, ...)
+bool Ka_ASFParser::_failAtLine(int line, const char* format, ...)
 {
     va_list args;
     va_start(args, format);
@@ -208,7 +158,7 @@ bool KaASFReader::_failAtLine(int line, const char* format, ...)
     return false;
 }
 
-void KaASFReader::_warn(const char* format, ...)
+void Ka_ASFParser::_warn(const char* format, ...)
 {
     va_list args;
     va_start(args, format);
@@ -218,7 +168,7 @@ void KaASFReader::_warn(const char* format, ...)
 
 // --------------------------------------------------------------- numbers
 
-bool KaASFReader::_readFloat(float* value)
+bool Ka_ASFParser::_readFloat(float* value)
 {
     _next();
     if (convertFloat(_token, value))
@@ -227,7 +177,7 @@ bool KaASFReader::_readFloat(float* value)
     return false;
 }
 
-bool KaASFReader::_readInt(int* value)
+bool Ka_ASFParser::_readInt(int* value)
 {
     _next();
     if (convertInt(_token, value))
@@ -236,9 +186,9 @@ bool KaASFReader::_readInt(int* value)
     return false;
 }
 
-bool KaASFReader::_readFloats(float* values,
-                              int count,
-                              const char* invalidMessage)
+bool Ka_ASFParser::_readFloats(float* values,
+                               int count,
+                               const char* invalidMessage)
 {
     for (int i = 0; i < count; ++i)
         if (!_readFloat(&values[i]))
@@ -247,7 +197,7 @@ bool KaASFReader::_readFloats(float* values,
 }
 
 // The current token as one end of a limit: "inf", "-inf" or a number.
-bool KaASFReader::_limitValue(float* value) const
+bool Ka_ASFParser::_limitValue(float* value) const
 {
     if (_is("inf"))
         *value = KaASFLimits::kInfinity;
@@ -259,7 +209,7 @@ bool KaASFReader::_limitValue(float* value) const
 }
 
 // Angles are held in radians whatever unit the file was written in.
-float KaASFReader::_radians(float angle) const
+float Ka_ASFParser::_radians(float angle) const
 {
     if (_document->header().angleUnit != 1)
         return angle;
@@ -268,7 +218,7 @@ float KaASFReader::_radians(float angle) const
 
 // ---------------------------------------------------------------- header
 
-bool KaASFReader::readHeader(int* internalFlag, float* version)
+bool Ka_ASFParser::readHeader(int* internalFlag, float* version)
 {
     if (internalFlag)
         *internalFlag = 0;
@@ -311,19 +261,19 @@ bool KaASFReader::readHeader(int* internalFlag, float* version)
 
 // -------------------------------------------------------------- sections
 
-const KaASFReader::Section* KaASFReader::_sectionFor(const char* keyword,
-                                                     bool internal)
+const Ka_ASFParser::Section* Ka_ASFParser::_sectionFor(const char* keyword,
+                                                       bool internal)
 {
     // clang-format off
     static const Section kSections[] = {
-        {":name", &KaASFReader::_readName, "Unable to read :name section.", false},
-        {":units", &KaASFReader::_readUnits, "Unable to read :units section.", false},
-        {":documentation", &KaASFReader::_readDocumentation, "Unable to read :documentation section.", false},
-        {":dofgroups", &KaASFReader::_readDOFGroups, "Unable to read :dofgroups section.", true},
-        {":root", &KaASFReader::_readRoot, "Unable to read :root section.", false},
-        {":bonedata", &KaASFReader::_readBoneData, "Unable to read :bonedata section.", false},
-        {":hierarchy", &KaASFReader::_readHierarchy, "Unable to read :hierarchy section.", false},
-        {":skin", &KaASFReader::_readSkin, "Unable to read :skin section.", false},
+        {":name", &Ka_ASFParser::_readName, "Unable to read :name section.", false},
+        {":units", &Ka_ASFParser::_readUnits, "Unable to read :units section.", false},
+        {":documentation", &Ka_ASFParser::_readDocumentation, "Unable to read :documentation section.", false},
+        {":dofgroups", &Ka_ASFParser::_readDOFGroups, "Unable to read :dofgroups section.", true},
+        {":root", &Ka_ASFParser::_readRoot, "Unable to read :root section.", false},
+        {":bonedata", &Ka_ASFParser::_readBoneData, "Unable to read :bonedata section.", false},
+        {":hierarchy", &Ka_ASFParser::_readHierarchy, "Unable to read :hierarchy section.", false},
+        {":skin", &Ka_ASFParser::_readSkin, "Unable to read :skin section.", false},
     };
     // clang-format on
     for (const Section& section : kSections)
@@ -335,7 +285,7 @@ const KaASFReader::Section* KaASFReader::_sectionFor(const char* keyword,
 
 // Sections may come in any order and may repeat. The document is left
 // cleared at the first failure.
-void KaASFReader::read()
+void Ka_ASFParser::read()
 {
     int internal = 0;
     float version = 0.0f;
@@ -375,7 +325,7 @@ void KaASFReader::read()
 
 // An empty section leaves the name empty; the end of the file ends the
 // section like the next section keyword.
-bool KaASFReader::_readName()
+bool Ka_ASFParser::_readName()
 {
     KaASFHeader& header = _document->header();
     if (!_next() || _isEndOfSection())
@@ -393,7 +343,7 @@ bool KaASFReader::_readName()
 
 // The length factor divides the bone lengths read after it; the mass factor
 // is only kept.
-bool KaASFReader::_readUnits()
+bool Ka_ASFParser::_readUnits()
 {
     KaASFHeader& header = _document->header();
     bool mass = false;
@@ -441,7 +391,7 @@ bool KaASFReader::_readUnits()
 // The words are joined by one blank each and every line end is kept, so a
 // word that starts a line follows its "\n" and a blank. Comments and
 // separators are gone by then.
-bool KaASFReader::_readDocumentation()
+bool Ka_ASFParser::_readDocumentation()
 {
     KaASFHeader& header = _document->header();
     if (!_next() || _isEndOfSection())
@@ -469,14 +419,14 @@ bool KaASFReader::_readDocumentation()
 // Every :skin section adds to the names, which are stored once when the
 // file is read, so many sections or long lists cost no more than their
 // length.
-bool KaASFReader::_readSkin()
+bool Ka_ASFParser::_readSkin()
 {
     while (_next() && !_isEndOfSection())
         _skinFiles.emplace_back(_token);
     return true;
 }
 
-void KaASFReader::_storeSkinFiles()
+void Ka_ASFParser::_storeSkinFiles()
 {
     KtDArray<KtStr> names(static_cast<int>(_skinFiles.size()));
     for (int i = 0; i < names.count(); ++i)
@@ -486,7 +436,7 @@ void KaASFReader::_storeSkinFiles()
 
 // ------------------------------------------------------------------ root
 
-bool KaASFReader::_readRoot()
+bool Ka_ASFParser::_readRoot()
 {
     RootState given;
     for (;;)
@@ -512,7 +462,7 @@ bool KaASFReader::_readRoot()
     }
 }
 
-bool KaASFReader::_readRootAxis(RootState* given)
+bool Ka_ASFParser::_readRootAxis(RootState* given)
 {
     if (given->axis)
         return _fail("Duplicate axis keyword in :root section.");
@@ -526,7 +476,7 @@ bool KaASFReader::_readRootAxis(RootState* given)
 }
 
 // The word that ended the list is the next keyword.
-bool KaASFReader::_readRootOrder(RootState* given)
+bool Ka_ASFParser::_readRootOrder(RootState* given)
 {
     if (given->order)
         return _fail("Duplicate order keyword in :root section.");
@@ -542,7 +492,7 @@ bool KaASFReader::_readRootOrder(RootState* given)
 }
 
 // Positions are kept as written: the length unit does not apply.
-bool KaASFReader::_readRootPosition(RootState* given)
+bool Ka_ASFParser::_readRootPosition(RootState* given)
 {
     if (given->position)
         return _fail("Duplicate position keyword in :root section.");
@@ -555,7 +505,7 @@ bool KaASFReader::_readRootPosition(RootState* given)
     return true;
 }
 
-bool KaASFReader::_readRootOrientation(RootState* given)
+bool Ka_ASFParser::_readRootOrientation(RootState* given)
 {
     if (given->orientation)
         return _fail("Duplicate orientation keyword in :root section.");
@@ -570,665 +520,16 @@ bool KaASFReader::_readRootOrientation(RootState* given)
     return true;
 }
 
-// ---------------------------------------------------- bone and group blocks
+// ---------------------------------------------------------- entry points
 
-bool KaASFReader::_readBoneData()
+bool KaASFReadHeader(std::istream& in, int* internalFlag, float* version)
 {
-    return _readBlocks<BoneBlock>();
+    Ka_ASFParser parser(in, nullptr);
+    return parser.readHeader(internalFlag, version);
 }
 
-bool KaASFReader::_readDOFGroups()
+void KaASFReadDocument(std::istream& in, KaASF* document)
 {
-    return _readBlocks<GroupBlock>();
-}
-
-// The begin ... end structure shared by :bonedata and :dofgroups. The end
-// of the file ends the section like the next section keyword.
-template <class Block>
-bool KaASFReader::_readBlocks()
-{
-    const char* section = Block::kSection;
-    Block block;
-    bool inBlock = false;
-    int finished = 0;
-    for (;;)
-    {
-        if (!_next() || _isEndOfSection())
-        {
-            if (inBlock)
-                return _fail("Expected 'end' keyword in %s section.", section);
-            return true;
-        }
-        if (_is("begin"))
-        {
-            if (inBlock)
-                return _fail("Expected 'end' keyword in %s section.", section);
-            block = Block();
-            inBlock = true;
-        }
-        else if (_is("end"))
-        {
-            if (!inBlock)
-                return _fail("Unexpected 'end' encountered in %s section.",
-                             section);
-            if (!_finish(block))
-                return false;
-            inBlock = false;
-            if (++finished % kPollEvery == 0 && KtCancelHandler::checkCancel())
-                return false;
-        }
-        else if (!inBlock)
-            return _fail(
-                "Data specified outside of begin/end pair in %s section.",
-                section);
-        else if (!_readKeyword(block))
-            return false;
-    }
-}
-
-bool KaASFReader::_finish(BoneBlock& block)
-{
-    if (!block.name)
-        return _fail("Name undefined in :bonedata section.");
-    if (!block.direction)
-        return _fail("Direction undefined in :bonedata section.");
-    if (!block.length)
-        return _fail("Length undefined in :bonedata section.");
-    if (!block.axis)
-        return _fail("Axis undefined in :bonedata section.");
-    _document->addBone(block.bone);
-    return true;
-}
-
-bool KaASFReader::_finish(GroupBlock& block)
-{
-    if (!block.name)
-        return _fail("Name undefined in :dofgroups section.");
-    KaASFDOFGroup* group = _document->addDOFGroup(block.group);
-    _groupsByName.add(group->name(), group);
-    return true;
-}
-
-// "id" and "name" must come first: once a direction is given (or, after
-// "limits", any of direction, length, axis, cofmass, dof or limits) they are
-// refused. Body mass deliberately does not count.
-bool KaASFReader::_readKeyword(BoneBlock& block)
-{
-    using Reader = bool (KaASFReader::*)(BoneBlock&);
-    static const struct
-    {
-        const char* keyword;
-        Reader read;
-    } kKeywords[] = {
-        {"id", &KaASFReader::_readBoneId},
-        {"name", &KaASFReader::_readBoneName},
-        {"direction", &KaASFReader::_readBoneDirection},
-        {"length", &KaASFReader::_readBoneLength},
-        {"axis", &KaASFReader::_readBoneAxis},
-        {"bodymass", &KaASFReader::_readBoneBodyMass},
-        {"cofmass", &KaASFReader::_readBoneCofMass},
-        {"dof", &KaASFReader::_readBoneDOFs},
-        {"limits", &KaASFReader::_readBoneLimits},
-    };
-    for (const auto& entry : kKeywords)
-    {
-        if (!_is(entry.keyword))
-            continue;
-        if (!(this->*entry.read)(block))
-            return false;
-        if (entry.read == &KaASFReader::_readBoneLimits)
-            block.ordered = block.direction || block.length || block.axis ||
-                            block.cofMass || block.dof || block.limits;
-        else
-            block.ordered = block.direction;
-        return true;
-    }
-    return _fail("Unexpected '%s' encountered in :bonedata section.", _token);
-}
-
-bool KaASFReader::_readBoneId(BoneBlock& block)
-{
-    if (block.ordered)
-        return _fail("Id must come before all other data except name in "
-                     ":bonedata section.");
-    if (block.id)
-        return _fail("Duplicate id specification in :bonedata section.");
-    int id = 0;
-    if (!_readInt(&id))
-        return _fail("Invalid value for 'id' in :bonedata section.");
-    block.bone.setId(id);
-    block.id = true;
-    return true;
-}
-
-bool KaASFReader::_readBoneName(BoneBlock& block)
-{
-    if (block.ordered)
-        return _fail(
-            "Name must come before all other except id in :bonedata section.");
-    if (block.name)
-        return _fail("Duplicate name specification in :bonedata section.");
-    _next();
-    block.bone.setName(_token);
-    block.name = true;
-    return true;
-}
-
-// The checks shared by the data that must follow the name.
-bool KaASFReader::_checkBoneData(const BoneBlock& block,
-                                 bool given,
-                                 const char* beforeName,
-                                 const char* duplicate)
-{
-    if (!block.name)
-        return _fail("%s", beforeName);
-    if (given)
-        return _fail("%s", duplicate);
-    return true;
-}
-
-bool KaASFReader::_readBoneDirection(BoneBlock& block)
-{
-    float values[kPointSize];
-    if (!_checkBoneData(
-            block,
-            block.direction,
-            "Direction specification defined before name in :bonedata "
-            "section.",
-            "Duplicate direction specification in :bonedata section.") ||
-        !_readFloats(values,
-                     kPointSize,
-                     "Invalid value for direction in :bonedata section."))
-        return false;
-    block.bone.setDirection(KtPoint(values[0], values[1], values[2]));
-    block.direction = true;
-    return true;
-}
-
-// The length is held in the skeleton's length unit.
-bool KaASFReader::_readBoneLength(BoneBlock& block)
-{
-    float length = 0.0f;
-    if (!_checkBoneData(
-            block,
-            block.length,
-            "Length specification defined before name in :bonedata section.",
-            "Duplicate length specification in :bonedata section.") ||
-        !_readFloats(
-            &length, 1, "Invalid value for length in :bonedata section."))
-        return false;
-    block.bone.setLength(length / _document->header().lengthFactor);
-    block.length = true;
-    return true;
-}
-
-bool KaASFReader::_readBoneAxis(BoneBlock& block)
-{
-    float values[kPointSize];
-    if (!_checkBoneData(block,
-                        block.axis,
-                        "Axis defined before name in :bonedata section.",
-                        "Duplicate axis specification in :bonedata section.") ||
-        !_readFloats(
-            values, kPointSize, "Invalid value for axis in :bonedata section."))
-        return false;
-    KtArray<float> angles(kPointSize);
-    for (int i = 0; i < kPointSize; ++i)
-        angles[i] = _radians(values[i]);
-    _next();
-    KtArray<int> order;
-    if (!KaAxisOrderFromWord(_token, &order))
-        return _fail("Unable to read sequence.");
-    block.bone.setAxis(angles);
-    block.bone.setAxisOrder(order);
-    block.axis = true;
-    return true;
-}
-
-bool KaASFReader::_readBoneBodyMass(BoneBlock& block)
-{
-    float mass = 0.0f;
-    if (!_checkBoneData(
-            block,
-            block.bodyMass,
-            "Bodymass defined before name in :bonedata section.",
-            "Duplicate bodymass specification in :bonedata section.") ||
-        !_readFloats(
-            &mass, 1, "Invalid value for bodymass in :bonedata section."))
-        return false;
-    block.bone.setBodyMass(mass);
-    block.bodyMass = true;
-    return true;
-}
-
-bool KaASFReader::_readBoneCofMass(BoneBlock& block)
-{
-    float value = 0.0f;
-    if (!_checkBoneData(
-            block,
-            block.cofMass,
-            "Cofmass defined before name in :bonedata section.",
-            "Duplicate cofmass specification in :bonedata section.") ||
-        !_readFloats(
-            &value, 1, "Invalid value for cofmass in :bonedata section."))
-        return false;
-    block.bone.setCofMass(value);
-    block.cofMass = true;
-    return true;
-}
-
-// The list's failure message carries no line prefix: the list's own message
-// under it already has one.
-bool KaASFReader::_readBoneDOFs(BoneBlock& block)
-{
-    if (!_checkDOFKeyword(block, BoneBlock::kSection))
-        return false;
-    if (!_readDOFList(&block.bone.dofGroup()))
-    {
-        KtError("Unable to read dof in :bonedata section.");
-        return false;
-    }
-    block.dof = true;
-    return true;
-}
-
-bool KaASFReader::_readBoneLimits(BoneBlock& block)
-{
-    if (!_checkLimitsKeyword(block, BoneBlock::kSection) ||
-        !_readLimitsList(&block.bone.dofGroup(), BoneBlock::kSection))
-        return false;
-    block.limits = true;
-    return true;
-}
-
-bool KaASFReader::_readKeyword(GroupBlock& block)
-{
-    if (_is("name"))
-    {
-        if (block.name)
-            return _fail("Duplicate name specification in :dofgroups section.");
-        _next();
-        block.group.setName(_token);
-        block.name = true;
-    }
-    else if (_is("dof"))
-    {
-        if (!_checkDOFKeyword(block, GroupBlock::kSection))
-            return false;
-        if (!_readDOFList(&block.group))
-            return _fail("Unable to read dof in :dofgroups section.");
-        block.dof = true;
-    }
-    else if (_is("limits"))
-    {
-        if (!_checkLimitsKeyword(block, GroupBlock::kSection) ||
-            !_readLimitsList(&block.group, GroupBlock::kSection))
-            return false;
-        block.limits = true;
-    }
-    else
-        return _fail("Unexpected '%s' encountered in :dofgroups section.",
-                     _token);
-    return true;
-}
-
-bool KaASFReader::_checkDOFKeyword(const BlockState& state, const char* section)
-{
-    if (state.limits)
-        return _fail("Limits defined before dof in %s section.", section);
-    if (!state.name)
-        return _fail("Dof defined before name in %s section.", section);
-    if (state.dof)
-        return _fail("Duplicate dof specification in %s section.", section);
-    return true;
-}
-
-bool KaASFReader::_checkLimitsKeyword(const BlockState& state,
-                                      const char* section)
-{
-    if (!state.dof)
-        return _fail("Limits defined without the definition of dof in %s "
-                     "section.",
-                     section);
-    if (!state.name)
-        return _fail("Limits defined before name in %s section.", section);
-    if (state.limits)
-        return _fail("Duplicate limits specification in %s section.", section);
-    return true;
-}
-
-// ------------------------------------------------------- DOF and limit lists
-
-// DOF names, and in internal files names of groups (ignoring case): a group
-// name alone stands for all the group's DOFs, "group < rx ry >" for some of
-// them; those DOFs take their limits from the group. The word that ends the
-// list is held for the caller.
-bool KaASFReader::_readDOFList(KaASFDOFGroup* list)
-{
-    bool reexamine = false;
-    for (;;)
-    {
-        if (!reexamine)
-            _next();
-        reexamine = false;
-        if (_atEnd())
-            break;
-        int code = KaDOFCodeOfName(_token);
-        if (code != kDofInvalid)
-        {
-            if (list->hasDOF(code))
-                return _fail("Dof '%s' specified more than once.",
-                             KaDOFNameOfCode(code).text());
-            if (!_roomFor(list, 1))
-                return false;
-            list->addDOF(code);
-            continue;
-        }
-        KaASFDOFGroup* group = _internal ? _groupsByName.find(_token) : nullptr;
-        if (!group)
-            break;
-        if (_next() && std::strcmp(_token, "<") == 0)
-        {
-            if (!_readGroupSelection(list, group))
-                return false;
-            continue;
-        }
-        // The whole group, without the check for repeats; the word after
-        // the group name is examined again.
-        if (!_roomFor(list, group->numDOFs()))
-            return false;
-        for (const KaASFDOF* dof : group->dofs())
-            list->addDOF(KaASFDOF(dof->code(), group));
-        reexamine = true;
-    }
-    _hold();
-    return true;
-}
-
-bool KaASFReader::_readGroupSelection(KaASFDOFGroup* list, KaASFDOFGroup* group)
-{
-    while (_next())
-    {
-        if (std::strcmp(_token, ">") == 0)
-        {
-            // The test is on the whole list, so an empty "< >" after other
-            // DOFs passes.
-            if (list->numDOFs() == 0)
-                return _fail("No dof specified within < >.");
-            return true;
-        }
-        int code = KaDOFCodeOfName(_token);
-        if (code == kDofInvalid)
-            return _fail("Unexpected '%s' encountered.", _token);
-        if (!group->hasDOF(code))
-            return _fail("Dofgroup '%s' does not contain dof '%s'.",
-                         group->name().text(),
-                         KaDOFNameOfCode(code).text());
-        if (!_roomFor(list, 1))
-            return false;
-        list->addDOF(KaASFDOF(code, group));
-    }
-    return _fail("Unexpected end of input.");
-}
-
-bool KaASFReader::_roomFor(const KaASFDOFGroup* list, int count)
-{
-    if (list->numDOFs() + count <= kMaxDOFsInList)
-        return true;
-    return _fail("Too many dofs specified (at most %d).", kMaxDOFsInList);
-}
-
-// Pairs of lower and upper limits for the list's own DOFs in order (DOFs
-// that refer to a group take the group's limits and get no pair). The list
-// ends at the first word that is no number; fewer pairs than DOFs leave the
-// rest unlimited. Infinite limits are converted from degrees like any other
-// (deliberately no special case).
-bool KaASFReader::_readLimitsList(KaASFDOFGroup* list, const char* section)
-{
-    auto target = list->dofs().begin();
-    const auto end = list->dofs().end();
-    for (;;)
-    {
-        float lower = 0.0f;
-        float upper = 0.0f;
-        if (!_next() || !_limitValue(&lower))
-        {
-            _hold();
-            return true;
-        }
-        if (!_next() || !_limitValue(&upper))
-        {
-            KtError("Invalid number.");
-            return _fail("Invalid value for upper limit in %s section.",
-                         section);
-        }
-        if (upper < lower)
-            return _fail("Lower limit greater than upper limit in %s section.",
-                         section);
-        while (target != end && (*target)->group())
-            ++target;
-        if (!(target != end))
-            return _fail("Too many limits specified in %s section.", section);
-        KaASFDOF* dof = *target;
-        ++target;
-        if (dof->isRotation())
-        {
-            lower = _radians(lower);
-            upper = _radians(upper);
-        }
-        dof->setLimits(KaASFLimits{lower, upper});
-    }
-}
-
-// ------------------------------------------------------------- hierarchy
-
-// Each line names a parent ("root" or a bone) and then its children; the
-// words on the "begin" line itself hang from the root. The first child
-// named after a bone becomes that bone's first child.
-bool KaASFReader::_readHierarchy()
-{
-    if (!_next())
-        return _fail("Unexpected end of input.");
-    if (!_is("begin"))
-        return _fail(
-            "Expected 'begin' keyword in :hierarchy section, got '%s'.",
-            _token);
-    HierarchyState state;
-    bool atLineStart = false;
-    for (;;)
-    {
-        if (!_nextInLine())
-            return _fail("Unexpected end of input.");
-        if (_isEndOfLine())
-        {
-            atLineStart = true;
-            continue;
-        }
-        bool read = atLineStart ? _readHierarchyHead(&state)
-                                : _readHierarchyChild(&state);
-        if (!read || state.done)
-            return read;
-        atLineStart = false;
-    }
-}
-
-bool KaASFReader::_readHierarchyHead(HierarchyState* state)
-{
-    if (_is("end"))
-    {
-        state->done = true;
-        if (!_next() || _isEndOfSection())
-            return true;
-        return _fail("Unexpected '%s' encountered after :hierarchy section.",
-                     _token);
-    }
-    if (_isEndOfSection())
-        return _fail("Expected 'end' keyword in :hierarchy section.");
-    state->parent = nullptr;
-    if (!_is("root") && !(state->parent = _boneNamedByToken()))
-        return false;
-    state->firstChildArmed = true;
-    return true;
-}
-
-// The word "root" among the children (exact case) is skipped.
-bool KaASFReader::_readHierarchyChild(HierarchyState* state)
-{
-    if (std::strcmp(_token, "root") == 0)
-        return true;
-    KaASFBone* child = _boneNamedByToken();
-    if (!child)
-        return false;
-    child->setParent(state->parent);
-    _parentSetAt[child] = {_tokenizer.lineNumber(), ++_assignments};
-    if (state->parent && state->firstChildArmed)
-    {
-        state->parent->setFirstChild(child);
-        state->firstChildArmed = false;
-    }
-    if (++state->children % kPollEvery == 0 && KtCancelHandler::checkCancel())
-        return false;
-    return true;
-}
-
-KaASFBone* KaASFReader::_boneNamedByToken()
-{
-    KaASFBone* bone = _document->findBone(_token);
-    if (!bone)
-        _fail("Unable to find bone '%s'.", _token);
-    return bone;
-}
-
-// Everything that walks the hierarchy relies on reaching the root, so no
-// bone may be its own ancestor. Checked once, when the whole file is read
-// (later lines may still move a bone), in time linear in the number of
-// bones: each bone is walked over once.
-bool KaASFReader::_checkHierarchy()
-{
-    std::unordered_map<const KaASFBone*, int> walkThatReached;
-    int walk = 0;
-    for (const KaASFBone* start : _document->bones())
-    {
-        ++walk;
-        const KaASFBone* bone = start;
-        while (bone && walkThatReached.emplace(bone, walk).second)
-            bone = bone->parent();
-        if (bone && walkThatReached[bone] == walk)
-            return _refuseCycleThrough(bone);
-    }
-    return true;
-}
-
-// Names the bone of the circle whose parent link was set last: that line
-// closed the circle.
-bool KaASFReader::_refuseCycleThrough(const KaASFBone* bone)
-{
-    const KaASFBone* latest = bone;
-    const KaASFBone* member = bone;
-    do
-    {
-        if (_parentSetAt[member].order > _parentSetAt[latest].order)
-            latest = member;
-        member = member->parent();
-    } while (member != bone);
-    return _failAtLine(_parentSetAt[latest].line,
-                       "Bone '%s' cannot be its own ancestor.",
-                       latest->name().text());
-}
-
-// In bone-list order, a bone without an id (0) takes the smallest positive
-// id that no bone holds at that moment, and an id of -1 becomes 0. The
-// smallest free id only grows as ids are handed out, so one pass suffices.
-void KaASFReader::_assignMissingIds()
-{
-    std::unordered_set<int> held;
-    for (const KaASFBone* bone : _document->bones())
-        if (bone->id() > 0)
-            held.insert(bone->id());
-    int candidate = 1;
-    for (KaASFBone* bone : _document->bones())
-    {
-        if (bone->id() == 0)
-        {
-            while (held.count(candidate))
-                ++candidate;
-            bone->setId(candidate);
-            held.insert(candidate);
-        }
-        else if (bone->id() == -1)
-            bone->setId(0);
-    }
-}
-
-// ------------------------------------------------------ KaASF entry points
-
-// A new read starts from an empty document, so nothing of an earlier file
-// (its units, say) carries over.
-void KaASF::scanFrom(std::istream& in)
-{
-    _clear();
-    _header = KaASFHeader();
-    _root = KaASFRoot();
-    KaASFReader reader(in, this);
-    reader.read();
-}
-
-void KaASF::read(const char* path)
-{
-    if (!path)
-        path = "";
-    KtCompIFStream in;
-    in.open(path);
-    if (!in.good() || theExceptObj.errorOccurred())
-    {
-        // The stream records why it failed; a failure is never silent.
-        if (!theExceptObj.errorOccurred())
-            KtError("Unable to open '%s'.", path);
-        _clear();
-        return;
-    }
-    scanFrom(in);
-    // A decompression command that failed has cut the text short, though
-    // what came through may read as a whole skeleton.
-    in.close();
-    if (!theExceptObj.errorOccurred())
-        return;
-    _clear();
-    KtError("Unable to read '%s'.", path);
-}
-
-int KaASF::streamContainsASF(std::istream& in,
-                             int* internalFlag,
-                             float* version)
-{
-    KaASFReader reader(in, nullptr);
-    return reader.readHeader(internalFlag, version) ? 1 : 0;
-}
-
-// A decompressing command must be able to write all its output before the
-// stream closes, so a compressed file is read to its end.
-int KaASF::fileContainsASF(const char* path)
-{
-    if (!path)
-        path = "";
-    KtCompIFStream in;
-    in.open(path);
-    if (!in.good())
-    {
-        KtError("Unable to open '%s'.", path);
-        return 0;
-    }
-    if (!streamContainsASF(in, nullptr, nullptr))
-    {
-        KtError("Unable to read \"%s\".", path);
-        return 0;
-    }
-    if (in.compressed())
-    {
-        char buffer[kDrainChunk];
-        while (in.read(buffer, sizeof buffer))
-        {
-        }
-    }
-    return 1;
+    Ka_ASFParser parser(in, document);
+    parser.read();
 }
