@@ -16,8 +16,6 @@ struct Ka_ASFParser::HierarchyState
     int children = 0;
 };
 
-// ------------------------------------------------------------- hierarchy
-
 // Each line names a parent ("root" or a bone) and then its children; the
 // words on the "begin" line itself hang from the root. The first child
 // named after a bone becomes that bone's first child.
