@@ -1,5 +1,6 @@
 // The AMC reader: the header check, and the motion, field and bone readers.
 #include <algorithm>
+#include <cstring>
 #include <istream>
 #include <string>
 #include <utility>
@@ -11,7 +12,6 @@
 #include "toolkit/KtCompStream.h"
 #include "toolkit/KtError.h"
 
-using KaScanText::BlockSource;
 using KaScanText::isDigit;
 using KaScanText::kMaxLineLength;
 using KaScanText::kMaxNameLength;
@@ -21,7 +21,6 @@ using KaScanText::readInteger;
 using KaScanText::readName;
 using KaScanText::readValueLine;
 using KaScanText::skipWhitespace;
-using KaScanText::StreamSource;
 using KaScanText::Traits;
 
 namespace
@@ -34,6 +33,8 @@ constexpr int kFieldChunk = 250;
 constexpr int kNameChunk = 50;
 constexpr int kBoneChunk = 50;
 constexpr int kCancelInterval = 20;
+// The characters of a whole motion are taken from its stream in blocks.
+constexpr int kBlockSize = 1 << 16;
 
 // A comment is skipped 128 characters at a time; the rest of a longer one
 // is read as a new header line.
@@ -71,6 +72,84 @@ int refuse(KtStr* message, const char* reason)
         *message = reason;
     return 0;
 }
+
+// The characters of a motion, one at a time, for its reader. The reader
+// keeps the stream's state as formatted input would: eof at the end of the
+// characters, fail on a failed read.
+//
+// StreamSource takes them straight from the stream's buffer, so the stream
+// stands exactly after what was read: single fields and bones, and motions
+// read only up to a number of fields.
+class StreamSource
+{
+public:
+    explicit StreamSource(std::istream& in)
+        : _in(in)
+        , _buffer(in.rdbuf())
+    {
+    }
+    std::istream& stream() { return _in; }
+    int peek() { return _buffer->sgetc(); }
+    // Only after peek gave a character.
+    void bump() { _buffer->sbumpc(); }
+    // The rest of the line is always copied out of the stream.
+    char* takeLine(int) { return nullptr; }
+
+private:
+    std::istream& _in;
+    std::streambuf* _buffer;
+};
+
+// BlockSource takes the stream's characters in large blocks, sparing the
+// stream buffer a call for every character. What it has taken is gone from
+// the stream, so it serves reads that go on to the stream's end.
+class BlockSource
+{
+public:
+    explicit BlockSource(std::istream& in)
+        : _in(in)
+        , _buffer(in.rdbuf())
+        , _block(kBlockSize)
+    {
+    }
+    std::istream& stream() { return _in; }
+    int peek()
+    {
+        if (_next == _end && !_refill())
+            return Traits::eof();
+        return Traits::to_int_type(*_next);
+    }
+    void bump() { ++_next; }
+    // When the block holds the rest of the line, with at most maxLength
+    // characters before its newline, takes it, newline included, and gives
+    // it in place with the newline replaced by a terminator; else null.
+    char* takeLine(int maxLength)
+    {
+        auto* line = static_cast<char*>(std::memchr(
+            _next, '\n', std::min<long>(_end - _next, maxLength + 1)));
+        if (!line)
+            return nullptr;
+        *line = '\0';
+        std::swap(line, _next);
+        ++_next;
+        return line;
+    }
+
+private:
+    bool _refill()
+    {
+        std::streamsize got = _buffer->sgetn(_block.data(), kBlockSize);
+        _next = _block.data();
+        _end = _next + std::max<std::streamsize>(got, 0);
+        return _next != _end;
+    }
+
+    std::istream& _in;
+    std::streambuf* _buffer;
+    KtArray<char> _block;
+    char* _next = nullptr;
+    char* _end = nullptr;
+};
 
 // A decompressing stream is read to its end, whatever state the reader left
 // it in, so that the command feeding it can finish instead of breaking on a
