@@ -1,6 +1,5 @@
 // Ka_ASFParser: the skeleton reader's parser and its state; included only by
-// the reader's sources (KaASFReader*.cpp), everything else reads through
-// asf/KaASFReader.h.
+// the reader's own sources, everything else reads through asf/KaASFReader.h.
 #pragma once
 
 #include <cstdarg>
@@ -18,9 +17,9 @@ class KaASFDOFGroup;
 
 // One pass over one stream; the failures it records are those described in
 // asf/KaASFReader.h. Its parts: the core (tokens, messages, numbers, the
-// header and the short sections, the root) in KaASFReader.cpp, the bone and
-// DOF-group blocks with their DOF and limit lists in KaASFReaderBlocks.cpp,
-// and the hierarchy in KaASFReaderHierarchy.cpp.
+// header and the short sections, the root) in Ka_ASFParser.cpp, the bone and
+// DOF-group blocks with their DOF and limit lists in Ka_ASFParserBlocks.cpp,
+// and the hierarchy in Ka_ASFParserHierarchy.cpp.
 class Ka_ASFParser
 {
 public:
