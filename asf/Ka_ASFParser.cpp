@@ -10,6 +10,7 @@
 
 #include "asf/KaASF.h"
 #include "asf/KaAxisOrder.h"
+#include "geometry/KtAngles.h"
 #include "toolkit/KtError.h"
 
 namespace
@@ -17,8 +18,6 @@ namespace
 
 // Longer skeleton names are kept, with a warning.
 constexpr size_t kNameLimit = 50;
-// Degrees to radians, in double precision; each result is stored as float.
-constexpr double kRadiansPerDegree = 0.017453292519943295;
 
 // As "%g" reads a float: leading blanks, a sign and the longest prefix that
 // forms a number ("1.5abc" is 1.5). Nothing converted gives 0 and false.
@@ -212,7 +211,7 @@ float Ka_ASFParser::_radians(float angle) const
 {
     if (_document->header().angleUnit != 1)
         return angle;
-    return static_cast<float>(angle * kRadiansPerDegree);
+    return static_cast<float>(angle * kKtRadiansPerDegree);
 }
 
 // ---------------------------------------------------------------- header

@@ -59,7 +59,7 @@ bool Ka_ASFParser::_readHierarchyHead(HierarchyState* state)
     if (_isEndOfSection())
         return _fail("Expected 'end' keyword in :hierarchy section.");
     state->parent = nullptr;
-    if (!_is("root") && !(state->parent = _boneNamedByToken()))
+    if (!_is(kKaRootName) && !(state->parent = _boneNamedByToken()))
         return false;
     state->firstChildArmed = true;
     return true;
@@ -68,7 +68,7 @@ bool Ka_ASFParser::_readHierarchyHead(HierarchyState* state)
 // The word "root" among the children (exact case) is skipped.
 bool Ka_ASFParser::_readHierarchyChild(HierarchyState* state)
 {
-    if (std::strcmp(_token, "root") == 0)
+    if (std::strcmp(_token, kKaRootName) == 0)
         return true;
     KaASFBone* child = _boneNamedByToken();
     if (!child)
