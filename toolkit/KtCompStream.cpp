@@ -247,7 +247,9 @@ void KtCompIFStream::_close(bool checkCommand)
     _tool = nullptr;
 }
 
-// An error pending from before this open also stops it.
+// An error pending from before this open also stops it. The stream opens
+// its end before the command starts, so that the pipe's names are gone by
+// then.
 void KtCompIFStream::_openCompressed(const char* file, const char* type)
 {
     if (!KtPathCheckReadAccess(file))
@@ -258,20 +260,17 @@ void KtCompIFStream::_openCompressed(const char* file, const char* type)
     _createNamedPipe();
     if (theExceptObj.errorOccurred())
         return _abandon();
-    const char* pipe = _spawnUncompress(file, type);
-    if (!pipe)
-        return _abandon();
-    std::ifstream::open(pipe, std::ios_base::in);
+    std::ifstream::open(_pipe->name(), std::ios_base::in);
     int error = errno;
-    _pipe->releaseGuards();
-    // Both ends are open: the name has served its purpose, and removing it
-    // now leaves nothing behind even if the process ends abruptly.
     _removeNamedPipe();
     if (!is_open())
     {
         reportSpawnFailure(error);
-        _abandon();
+        return _abandon();
     }
+    if (!_spawnUncompress(file, type))
+        return _abandon();
+    _pipe->releaseGuards();
 }
 
 void KtCompIFStream::_createNamedPipe()
@@ -279,13 +278,13 @@ void KtCompIFStream::_createNamedPipe()
     createNamedPipe(*_pipe, kInputPipeStem, _instance);
 }
 
-const char* KtCompIFStream::_spawnUncompress(const char* file, const char* type)
+bool KtCompIFStream::_spawnUncompress(const char* file, const char* type)
 {
     KtStr toolPath;
     const Compression* compression =
         usableCompression(type, kDecompress, file, &toolPath);
     if (!compression)
-        return nullptr;
+        return false;
     KtStr argument = commandArgument(file);
     const char* argv[] = {
         compression->inputTool, compression->inputFlag, argument, nullptr};
@@ -293,11 +292,11 @@ const char* KtCompIFStream::_spawnUncompress(const char* file, const char* type)
     if (error)
     {
         reportSpawnFailure(error);
-        return nullptr;
+        return false;
     }
     _tool = compression->inputTool;
     _file = file;
-    return _pipe->name();
+    return true;
 }
 
 void KtCompIFStream::_removeNamedPipe()
@@ -308,6 +307,7 @@ void KtCompIFStream::_removeNamedPipe()
 // Ends a failed open: no command or pipe outlives it.
 void KtCompIFStream::_abandon()
 {
+    std::ifstream::close();
     _pipe->finish(true);
     _removeNamedPipe();
     _tool = nullptr;
@@ -377,17 +377,16 @@ void KtCompOFStream::_openCompressed(const char* file, const char* type)
     _createNamedPipe();
     if (theExceptObj.errorOccurred())
         return _abandon();
-    const char* pipe = _spawnCompress(file, type);
-    if (!pipe)
-        return _abandon();
-    int error = _pipeBuffer->open(pipe);
-    _pipe->releaseGuards();
+    int error = _pipeBuffer->open(_pipe->name());
     _removeNamedPipe();
     if (error)
     {
         reportSpawnFailure(error);
         return _abandon();
     }
+    if (!_spawnCompress(file, type))
+        return _abandon();
+    _pipe->releaseGuards();
     std::ios::rdbuf(_pipeBuffer.get());
 }
 
@@ -398,18 +397,18 @@ void KtCompOFStream::_createNamedPipe()
 
 // The command reads the pipe and writes the file, which is opened (and
 // emptied) here as the shell's redirection would do it.
-const char* KtCompOFStream::_spawnCompress(const char* file, const char* type)
+bool KtCompOFStream::_spawnCompress(const char* file, const char* type)
 {
     KtStr toolPath;
     const Compression* compression =
         usableCompression(type, kCompress, file, &toolPath);
     if (!compression)
-        return nullptr;
+        return false;
     int output = ::open(file, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (output < 0)
     {
         reportSpawnFailure(errno);
-        return nullptr;
+        return false;
     }
     _alsoComplete = compression->outputAlsoComplete;
     const char* argv[] = {
@@ -418,9 +417,9 @@ const char* KtCompOFStream::_spawnCompress(const char* file, const char* type)
     if (error)
     {
         reportSpawnFailure(error);
-        return nullptr;
+        return false;
     }
-    return _pipe->name();
+    return true;
 }
 
 void KtCompOFStream::_removeNamedPipe()
@@ -430,6 +429,7 @@ void KtCompOFStream::_removeNamedPipe()
 
 void KtCompOFStream::_abandon()
 {
+    _pipeBuffer->close();
     _pipe->finish(true);
     _removeNamedPipe();
     setstate(std::ios_base::failbit);

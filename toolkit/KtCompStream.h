@@ -44,7 +44,7 @@ public:
 private:
     void _openCompressed(const char* file, const char* type);
     void _createNamedPipe();
-    const char* _spawnUncompress(const char* file, const char* type);
+    bool _spawnUncompress(const char* file, const char* type);
     void _removeNamedPipe();
     void _abandon();
     void _close(bool checkCommand);
@@ -86,7 +86,7 @@ public:
 private:
     void _openCompressed(const char* file, const char* type);
     void _createNamedPipe();
-    const char* _spawnCompress(const char* file, const char* type);
+    bool _spawnCompress(const char* file, const char* type);
     void _removeNamedPipe();
     void _abandon();
 

@@ -5,30 +5,41 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
 #include <spawn.h>
+#include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "toolkit/KtFile.h"
 
 extern char** environ;
 
 namespace
 {
 
-// The traditional place, kept where it exists; today's systems have /tmp.
-constexpr const char* kTraditionalPipeDir = "/usr/tmp";
-constexpr const char* kPipeDir = "/tmp";
+// The traditional place first, where it exists; today's systems have /tmp.
+constexpr const char* kDefaultCandidates[] = {"/usr/tmp", "/tmp", nullptr};
+const char* const* candidateDirectories = kDefaultCandidates;
 
-const char* pipeDirectory()
-{
-    return KtFileIsDirectory(kTraditionalPipeDir) ? kTraditionalPipeDir
-                                                  : kPipeDir;
-}
+// Each pipe lives in a directory of its own under this name.
+constexpr const char* kPrivateDirectory = "compstream.XXXXXX";
+
+// The signals that end a process and can be caught or held back. SIGKILL
+// cannot: a process killed with it between create() and remove() leaves the
+// names behind, and that window is a few system calls long.
+constexpr int kTerminationSignals[] = {SIGHUP,
+                                       SIGINT,
+                                       SIGQUIT,
+                                       SIGTERM,
+                                       SIGALRM,
+                                       SIGUSR1,
+                                       SIGUSR2,
+                                       SIGPROF,
+                                       SIGVTALRM,
+                                       SIGXCPU,
+                                       SIGXFSZ};
 
 // Our descriptors are close-on-exec, so that no other command keeps an end
 // of this pipe open (a second writer would hide the end of the data, a
@@ -117,39 +128,92 @@ Kt_CompPipe::~Kt_CompPipe()
     remove();
 }
 
+void Kt_CompPipe::setCandidateDirectories(const char* const* candidates)
+{
+    candidateDirectories = candidates ? candidates : kDefaultCandidates;
+}
+
+// On failure nothing is left: no name, no guard, no signal held back.
 int Kt_CompPipe::create(const char* stem, int instance)
 {
-    std::snprintf(_name,
-                  sizeof _name,
-                  "%s/%s%d.%d",
-                  pipeDirectory(),
-                  stem,
-                  instance,
-                  static_cast<int>(getpid()));
+    _holdSignals();
+    int error = _makeNames(stem, instance);
+    if (!error)
+        error = _openGuards();
+    if (error)
+    {
+        releaseGuards();
+        remove();
+    }
+    return error;
+}
+
+// A directory that does not exist, is not writable or is on a read-only
+// file system is passed over for the next one.
+int Kt_CompPipe::_makeNames(const char* stem, int instance)
+{
+    int error = ENOENT;
+    for (const char* const* candidate = candidateDirectories; *candidate;
+         ++candidate)
+    {
+        _directory = std::string(*candidate) + "/" + kPrivateDirectory;
+        _name = _directory + "/" + stem + std::to_string(instance) + "." +
+                std::to_string(getpid());
+        if (mkdtemp(&_directory[0]))
+        {
+            _name.replace(0, _directory.size(), _directory);
+            break;
+        }
+        error = errno;
+        _directory.clear();
+    }
+    if (_directory.empty())
+        return error;
     // Private data passes through the pipe: only its owner may open it.
-    if (mkfifo(_name, 0600) != 0)
+    if (mkfifo(_name.c_str(), 0600) != 0)
         return errno;
     _made = true;
     return 0;
 }
 
+void Kt_CompPipe::_holdSignals()
+{
+    if (_holding)
+        return;
+    sigset_t termination;
+    sigemptyset(&termination);
+    for (int signal : kTerminationSignals)
+        sigaddset(&termination, signal);
+    pthread_sigmask(SIG_BLOCK, &termination, &_savedSignals);
+    _holding = true;
+}
+
+// A signal that came meanwhile takes effect here, with the names gone.
+void Kt_CompPipe::_releaseSignals()
+{
+    if (!_holding)
+        return;
+    _holding = false;
+    pthread_sigmask(SIG_SETMASK, &_savedSignals, nullptr);
+}
+
 // Opening one end of a pipe waits until the other end is open, and reading
 // a pipe that has no writer yet finds its end at once. So both guards are
-// open before the command starts: the guard reader opens without waiting and
-// lets the guard writer open at once; the command inherits one of them
-// instead of opening the pipe itself; it finds its partner present whether
-// the stream has opened its own end yet or not, and the stream's open finds
-// one present whether the command is still starting, done or dead.
+// open before the stream opens its own end or the command starts: the guard
+// reader opens without waiting and lets the guard writer open at once; the
+// stream's open finds its partner present; the command inherits one of the
+// guards instead of opening the pipe itself, and the stream keeps a partner
+// whether the command is still starting, done or dead.
 int Kt_CompPipe::_openGuards()
 {
-    _guardRead = openPipeEnd(_name, O_RDONLY | O_NONBLOCK);
+    _guardRead = openPipeEnd(_name.c_str(), O_RDONLY | O_NONBLOCK);
     if (_guardRead < 0)
         return errno;
     // A command that reads this end must wait for data, not find none.
     int flags = fcntl(_guardRead, F_GETFL);
     if (flags < 0 || fcntl(_guardRead, F_SETFL, flags & ~O_NONBLOCK) != 0)
         return errno;
-    _guardWrite = openPipeEnd(_name, O_WRONLY);
+    _guardWrite = openPipeEnd(_name.c_str(), O_WRONLY);
     if (_guardWrite < 0)
         return errno;
     return 0;
@@ -157,8 +221,7 @@ int Kt_CompPipe::_openGuards()
 
 int Kt_CompPipe::startWriting(const char* toolPath, const char* const argv[])
 {
-    int error = _openGuards();
-    return error ? error : _spawn(toolPath, argv, -1, _guardWrite);
+    return _spawn(toolPath, argv, -1, _guardWrite);
 }
 
 int Kt_CompPipe::startReading(const char* toolPath,
@@ -168,9 +231,7 @@ int Kt_CompPipe::startReading(const char* toolPath,
     outputFd = aboveStandard(outputFd);
     if (outputFd < 0)
         return errno;
-    int error = _openGuards();
-    if (!error)
-        error = _spawn(toolPath, argv, _guardRead, outputFd);
+    int error = _spawn(toolPath, argv, _guardRead, outputFd);
     ::close(outputFd);
     return error;
 }
@@ -231,8 +292,12 @@ void Kt_CompPipe::releaseGuards()
 void Kt_CompPipe::remove()
 {
     if (_made)
-        ::unlink(_name);
+        ::unlink(_name.c_str());
+    if (!_directory.empty())
+        ::rmdir(_directory.c_str());
     _made = false;
+    _directory.clear();
+    _releaseSignals();
 }
 
 int Kt_CompPipe::finish(bool abandon)

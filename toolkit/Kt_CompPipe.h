@@ -1,22 +1,31 @@
 // The named pipe and the background (de)compression command behind one
 // compressed file stream, and the buffer that writes into such a pipe;
-// included only by the streams' source, never by their callers.
+// included only by the streams' source (and their tests), never by their
+// callers.
 #pragma once
 
+#include <csignal>
 #include <streambuf>
+#include <string>
 #include <sys/types.h>
 
 // Owns the pipe's name in the file system, the command's process and, while
 // the stream opens its own end, guard descriptors on the pipe. Failures are
 // returned as errno values; the streams word the messages.
 //
-// Order of events: create() makes the pipe; startWriting()/startReading()
-// open it from both sides, so that no open ever waits for a partner that
-// never comes, and start the command on one of those ends; the stream then
-// opens the pipe by name, which returns at once; releaseGuards() leaves the
-// command as the stream's only partner, so that the command's exit shows as
-// end of file (or as a failed write); remove() deletes the name; finish()
-// reaps the command. The destructor does whatever of this is left.
+// Order of events: create() makes the pipe and opens it from both sides (the
+// guards), so that no open ever waits for a partner that never comes; the
+// stream then opens its own end by name, which returns at once; remove()
+// deletes the names; startWriting()/startReading() start the command on one
+// of the guards; releaseGuards() leaves the command as the stream's only
+// partner, so that the command's exit shows as end of file (or as a failed
+// write); finish() reaps the command. The destructor does whatever of this
+// is left.
+//
+// The names exist only from create() to remove(), and only inside a
+// directory of this process's own, so no other user can plant or take them.
+// In that window the catchable signals that end a process are held back and
+// take effect once the names are gone.
 class Kt_CompPipe
 {
 public:
@@ -25,14 +34,14 @@ public:
     Kt_CompPipe& operator=(const Kt_CompPipe&) = delete;
     ~Kt_CompPipe();
 
-    // Makes the pipe "<dir>/<stem><instance>.<process id>" in "/usr/tmp"
-    // when that directory exists, else in "/tmp". An existing file or link of
-    // that name is never followed nor replaced: that fails with EEXIST.
+    // Makes the pipe "<stem><instance>.<process id>" in a new private
+    // directory (mode 0700) inside the first of the candidate directories
+    // where one can be made: "/usr/tmp", else "/tmp".
     int create(const char* stem, int instance);
     // The pipe's path; null when no pipe is held.
-    const char* name() const { return _made ? _name : nullptr; }
+    const char* name() const { return _made ? _name.c_str() : nullptr; }
     // The path that create() last tried, for its failure message.
-    const char* attemptedName() const { return _name; }
+    const char* attemptedName() const { return _name.c_str(); }
 
     // Starts the command at toolPath with the pipe as its standard output
     // (and an empty standard input).
@@ -43,7 +52,8 @@ public:
     startReading(const char* toolPath, const char* const argv[], int outputFd);
 
     void releaseGuards();
-    // Deletes the pipe's name, if one is held; open ends keep working.
+    // Deletes the pipe's name and its directory, if held; open ends keep
+    // working.
     void remove();
     // Waits for the command. With abandon, a command still running is
     // killed first: its reader has stopped and wants no more. Returns the
@@ -51,16 +61,25 @@ public:
     // command or its outcome cannot be known.
     int finish(bool abandon);
 
+    // The directories tried in turn for the private directory; null
+    // restores "/usr/tmp" then "/tmp". Tests use their own.
+    static void setCandidateDirectories(const char* const* candidates);
+
 private:
+    int _makeNames(const char* stem, int instance);
     int _openGuards();
+    void _holdSignals();
+    void _releaseSignals();
     int _spawn(const char* toolPath,
                const char* const argv[],
                int inputFd,
                int outputFd);
 
-    // Room for "/usr/tmp/compofstream" and two numbers.
-    char _name[81] = {};
+    std::string _directory;
+    std::string _name;
     bool _made = false;
+    bool _holding = false;
+    sigset_t _savedSignals;
     int _guardRead = -1;
     int _guardWrite = -1;
     pid_t _child = -1;

@@ -3,16 +3,19 @@
 #include <csignal>
 #include <cstdlib>
 #include <glob.h>
+#include <random>
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "support/test_helpers.h"
 #include "toolkit/KtCompStream.h"
 #include "toolkit/KtError.h"
+#include "toolkit/Kt_CompPipe.h"
 
 namespace
 {
@@ -36,27 +39,23 @@ std::string readAll(std::istream& in)
     return text;
 }
 
-// The traditional place where it exists, else /tmp.
-std::string pipePath(const std::string& stem)
-{
-    struct stat info;
-    bool traditional = stat("/usr/tmp", &info) == 0 && S_ISDIR(info.st_mode);
-    return (traditional ? "/usr/tmp/" : "/tmp/") + stem + "." +
-           std::to_string(getpid());
-}
-
-// Pipes of this process still in the pipe directory.
-std::size_t leftoverPipes()
+// The entries of a directory, "." and ".." aside.
+int entriesIn(const std::string& directory)
 {
     glob_t found;
-    glob(pipePath("comp*stream*").c_str(), 0, nullptr, &found);
-    std::size_t count = found.gl_pathc;
-    globfree(&found);
+    int count = 0;
+    for (const char* pattern : {"/*", "/.[!.]*"})
+        if (glob((directory + pattern).c_str(), 0, nullptr, &found) == 0)
+        {
+            count += static_cast<int>(found.gl_pathc);
+            globfree(&found);
+        }
     return count;
 }
 
-// Every case runs in a fresh folder under a watchdog (a hang ends the test)
-// and must leave no pipe and no child process behind.
+// Every case runs in a fresh folder under a watchdog (a hang ends the test),
+// makes its pipes in a folder of its own, and must leave nothing there and
+// no child process behind.
 class CompStream : public testing::Test
 {
 protected:
@@ -66,17 +65,29 @@ protected:
         const char* path = std::getenv("PATH");
         _savedPath = path ? path : "";
         getcwd(_savedCwd, sizeof _savedCwd);
+        mkdir(_pipes.c_str(), 0755);
+        useCandidates({_pipes});
     }
     void TearDown() override
     {
         setenv("PATH", _savedPath.c_str(), 1);
         chdir(_savedCwd);
-        EXPECT_EQ(0u, leftoverPipes());
+        Kt_CompPipe::setCandidateDirectories(nullptr);
+        EXPECT_EQ(0, entriesIn(_pipes));
         EXPECT_EQ(-1, waitpid(-1, nullptr, WNOHANG)) << "a child is left";
         alarm(0);
     }
 
     std::string file(const std::string& name) const { return _dir.file(name); }
+    void useCandidates(std::vector<std::string> directories)
+    {
+        _directories = std::move(directories);
+        _candidates.clear();
+        for (const std::string& directory : _directories)
+            _candidates.push_back(directory.c_str());
+        _candidates.push_back(nullptr);
+        Kt_CompPipe::setCandidateDirectories(_candidates.data());
+    }
     // Runs a shell command of the test's own, on names it controls.
     void run(const std::string& command)
     {
@@ -111,6 +122,9 @@ protected:
     };
 
     TempDir _dir;
+    std::string _pipes = file("pipes");
+    std::vector<std::string> _directories;
+    std::vector<const char*> _candidates;
     std::string _savedPath;
     char _savedCwd[4096] = {};
 };
@@ -268,21 +282,62 @@ TEST_F(CompStream, InputEndsEarlyWithoutHanging)
     // The destructor of the unread second stream stops its command too.
 }
 
-// Each class counts its own instances, which name the pipes.
-TEST_F(CompStream, ExistingFileAtThePipePathIsNeverTouched)
+// Names planted where the pipe's name could be guessed (or left there by an
+// older run) are neither used nor touched; a folder that cannot hold the
+// private one is passed over for the next.
+TEST_F(CompStream, PlantedNamesAndUnusableFoldersDoNotStopARead)
 {
+    std::string walk = compressed("walk.amc.gz", "gzip", "x");
     KtCompOFStream x;
-    KtCompIFStream in;
     EXPECT_EQ(x.instance() + 1, KtCompOFStream().instance());
-    std::string pipe = pipePath("compifstream" + std::to_string(in.instance()));
-    symlink(file("target").c_str(), pipe.c_str());
-    in.open(compressed("walk.amc.gz", "gzip", "x").c_str());
-    unlink(pipe.c_str());
-    EXPECT_TRUE(in.fail());
+    std::string planted = "/compifstream" +
+                          std::to_string(KtCompIFStream().instance() + 1) +
+                          "." + std::to_string(getpid());
+    writeFile(file("notAFolder"), "");
+    symlink(file("target").c_str(), (_pipes + planted).c_str());
+    useCandidates({"/proc", file("notAFolder"), _pipes});
+    KtCompIFStream in;
+    in.open(walk.c_str());
+    EXPECT_EQ("x", readAll(in)) << printedChain();
     EXPECT_NE(0, access(file("target").c_str(), F_OK));
-    std::string message = "Unable to create named pipe \"" + pipe + "\".";
-    EXPECT_EQ(errorBlock({message.c_str(), "File exists"}), printedChain());
-    EXPECT_EQ(in.instance() + 1, KtCompIFStream().instance());
+    EXPECT_EQ(0, unlink((_pipes + planted).c_str()));
+
+    useCandidates({file("missing")});
+    KtCompIFStream none;
+    none.open(walk.c_str());
+    EXPECT_TRUE(none.fail());
+    std::string message = "Unable to create named pipe \"" +
+                          file("missing/compstream.XXXXXX/compifstream") +
+                          std::to_string(none.instance()) + "." +
+                          std::to_string(getpid()) + "\".";
+    EXPECT_EQ(errorBlock({message.c_str(), "No such file or directory"}),
+              printedChain());
+}
+
+// Reads killed at any moment of their first milliseconds, by either signal,
+// leave nothing in the pipes' folder.
+TEST_F(CompStream, KilledReadsLeaveNothingBehind)
+{
+    std::string walk = compressed("walk.amc.gz", "gzip", motionText(100));
+    std::mt19937 random(17);
+    for (int run = 0; run < 150; ++run)
+    {
+        pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0)
+            for (;;)
+            {
+                KtCompIFStream in;
+                in.open(walk.c_str());
+                readAll(in);
+            }
+        usleep(random() % 12000);
+        kill(child, run % 2 ? SIGTERM : SIGINT);
+        int status = 0;
+        ASSERT_EQ(child, waitpid(child, &status, 0));
+        EXPECT_TRUE(WIFSIGNALED(status));
+    }
+    EXPECT_EQ(0, entriesIn(_pipes));
 }
 
 // The reasons of a failed file check are the documents' to show (their
