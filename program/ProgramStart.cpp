@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "program/ExitStatus.h"
+#include "toolkit/KtMemory.h"
 
 namespace
 {
@@ -87,6 +88,7 @@ ProgramStart startProgram(int argc,
                           const char* const* argv,
                           const ProgramDescription& program)
 {
+    KtInstallMemoryHandler();
     // Built from a constant, not from the invoked path.
     const KtStr programName(program.name);
     if (argc <= 1)

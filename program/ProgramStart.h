@@ -37,6 +37,8 @@ struct ProgramStart
     int numPositional = 0;
 };
 
+// First of all, a failed allocation anywhere in the program ends it with
+// "Memory allocation failed" (KtInstallMemoryHandler).
 // Without arguments: the USAGE and VERSION sections, status 0. Otherwise
 // the options (compared ignoring case) up to the first argument that does
 // not begin with '-': everything from there on is positional. -h prints the

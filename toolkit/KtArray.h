@@ -1,16 +1,17 @@
 // KtArray and KtDArray: arrays that hold exactly their element count.
 #pragma once
 
-#include <cstdio>
 #include <cstdlib>
 #include <new>
 #include <type_traits>
 #include <utility>
 
+#include "toolkit/KtMemory.h"
+
 // Storage is always exactly count() elements: no spare capacity, no growth
 // factor. Callers that grow an array while reading enlarge it in chunks and
-// trim it once at the end. Running out of memory is not reported through the
-// error handler: the message goes to standard error and the process aborts.
+// trim it once at the end. Running out of memory ends the process through
+// KtMemoryExhausted.
 template <class T>
 class KtArray
 {
@@ -105,10 +106,7 @@ private:
             storage = std::realloc(static_cast<void*>(old),
                                    static_cast<size_t>(n) * sizeof(T));
         if (!storage)
-        {
-            std::fputs("Memory allocation failed\n", stderr);
-            std::abort();
-        }
+            KtMemoryExhausted();
         return static_cast<T*>(storage);
     }
 
