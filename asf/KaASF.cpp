@@ -18,7 +18,7 @@ namespace
 constexpr size_t kDrainChunk = 1024;
 
 template <class T>
-void deleteAll(KtList<T*>& items)
+void deleteAll(KtGrowArray<T*>& items)
 {
     for (T* item : items)
         delete item;
@@ -37,8 +37,8 @@ void detach(KaASFDOF* dof)
 // group's and each bone's.
 template <class Visit>
 void forEachDOFGroup(KaASFRoot& root,
-                     const KtList<KaASFDOFGroup*>& groups,
-                     const KtList<KaASFBone*>& bones,
+                     const KtGrowArray<KaASFDOFGroup*>& groups,
+                     const KtGrowArray<KaASFBone*>& bones,
                      Visit visit)
 {
     visit(root.dofGroup());
@@ -147,7 +147,7 @@ void KaASF::_clear()
             detach(dof);
     deleteAll(_bones);
     deleteAll(_dofGroups);
-    _skinFiles._clear();
+    _skinFiles.clear();
     _bonesByName.clear();
 }
 
@@ -231,7 +231,7 @@ KaASFBone* KaASF::addBone(const KaASFBone& bone)
 {
     KaASFBone* copy = new KaASFBone(bone);
     _bones.append(copy);
-    _bonesByName.add(copy->name(), copy);
+    _bonesByName.add(copy);
     return copy;
 }
 
@@ -244,14 +244,13 @@ KaASFDOFGroup* KaASF::addDOFGroup(const KaASFDOFGroup& group)
 
 void KaASF::removeDOFGroup(const char* name)
 {
-    for (KtList<KaASFDOFGroup*>::Node* node = _dofGroups._firstLive(); node;
-         node = KtDoubleLinkedList::_nextLive(node))
+    for (int i = 0; i < _dofGroups.count(); ++i)
     {
-        KaASFDOFGroup* group = *static_cast<KaASFDOFGroup**>(node->data);
+        KaASFDOFGroup* group = _dofGroups[i];
         if (group->name() == name)
         {
             _detachFromGroup(group);
-            _dofGroups.remove(node);
+            _dofGroups.removeAt(i);
             delete group;
             return;
         }
@@ -282,12 +281,10 @@ void KaASF::removeDOFGroups()
 
 void KaASF::addSkinFile(const char* name)
 {
-    int count = _skinFiles.count();
-    _skinFiles._resize(count + 1);
-    _skinFiles[count] = name;
+    _skinFiles.append(name);
 }
 
-void KaASF::setSkinFiles(const KtArray<KtStr>& names)
+void KaASF::setSkinFiles(const KtNameList& names)
 {
     _skinFiles = names;
 }

@@ -7,8 +7,10 @@
 #include "asf/KaASFDOF.h"
 #include "asf/KaASFRoot.h"
 #include "toolkit/KtArray.h"
+#include "toolkit/KtGrowArray.h"
 #include "toolkit/KtList.h"
 #include "toolkit/KtNameIndex.h"
+#include "toolkit/KtNameList.h"
 #include "toolkit/KtStr.h"
 
 struct KaASFHeader
@@ -43,10 +45,10 @@ public:
     const KaASFRoot& root() const { return _root; }
     KaASFRoot& root() { return _root; }
     // In file order.
-    const KtList<KaASFBone*>& bones() const { return _bones; }
+    const KtGrowArray<KaASFBone*>& bones() const { return _bones; }
     int numBones() const { return _bones.count(); }
-    const KtList<KaASFDOFGroup*>& dofGroups() const { return _dofGroups; }
-    const KtDArray<KtStr>& skinFiles() const { return _skinFiles; }
+    const KtGrowArray<KaASFDOFGroup*>& dofGroups() const { return _dofGroups; }
+    const KtNameList& skinFiles() const { return _skinFiles; }
 
     // First bone whose name equals name ignoring case, else null.
     KaASFBone* findBone(const char* name) const;
@@ -71,7 +73,7 @@ public:
     void removeDOFGroup(const char* name);
     void removeDOFGroups();
     void addSkinFile(const char* name);
-    void setSkinFiles(const KtArray<KtStr>& names);
+    void setSkinFiles(const KtNameList& names);
 
     // Reading: opens the file through KtCompIFStream, so compressed
     // skeletons read transparently.
@@ -101,10 +103,10 @@ private:
     void _detachFromGroup(const KaASFDOFGroup* group);
 
     KaASFHeader _header;
-    KtList<KaASFDOFGroup*> _dofGroups;
+    KtGrowArray<KaASFDOFGroup*> _dofGroups;
     KaASFRoot _root;
-    KtList<KaASFBone*> _bones;
-    KtDArray<KtStr> _skinFiles;
+    KtGrowArray<KaASFBone*> _bones;
+    KtNameList _skinFiles;
     // Bones by name ignoring case, so that reading a large hierarchy does
     // not search the bone list for every name.
     KtNameIndex<KaASFBone> _bonesByName;

@@ -2,6 +2,7 @@
 #include "asf/KaASFDOF.h"
 
 #include <iostream>
+#include <utility>
 
 namespace
 {
@@ -86,9 +87,8 @@ KaASFDOFGroup::KaASFDOFGroup(const char* name)
 
 KaASFDOFGroup::KaASFDOFGroup(const KaASFDOFGroup& other)
     : _name(other._name)
+    , _dofs(other._dofs)
 {
-    for (const KaASFDOF* dof : other._dofs)
-        addDOF(*dof);
 }
 
 KaASFDOFGroup& KaASFDOFGroup::operator=(const KaASFDOFGroup& other)
@@ -96,7 +96,7 @@ KaASFDOFGroup& KaASFDOFGroup::operator=(const KaASFDOFGroup& other)
     if (this != &other)
     {
         _name = other._name;
-        setDOFs(other._dofs);
+        _dofs = other._dofs;
     }
     return *this;
 }
@@ -110,7 +110,7 @@ KtArray<int> KaASFDOFGroup::codes() const
 {
     KtArray<int> result(numDOFs());
     int i = 0;
-    for (const KaASFDOF* dof : _dofs)
+    for (const KaASFDOF* dof : dofs())
         result[i++] = dof->code();
     return result;
 }
@@ -123,7 +123,7 @@ bool KaASFDOFGroup::hasDOF(int code) const
 int KaASFDOFGroup::dofIndex(int code) const
 {
     int index = 0;
-    for (const KaASFDOF* dof : _dofs)
+    for (const KaASFDOF* dof : dofs())
     {
         if (dof->code() == code)
             return index;
@@ -134,7 +134,7 @@ int KaASFDOFGroup::dofIndex(int code) const
 
 const KaASFLimits* KaASFDOFGroup::limits(int code) const
 {
-    for (const KaASFDOF* dof : _dofs)
+    for (const KaASFDOF* dof : dofs())
         if (dof->code() == code)
             return &dof->limits();
     return nullptr;
@@ -150,7 +150,7 @@ KaASFLimits* KaASFDOFGroup::limits(int code)
 
 void KaASFDOFGroup::addDOF(int code)
 {
-    _dofs.append(new KaASFDOF(code));
+    _dofs.append(KaASFDOF(code));
 }
 
 void KaASFDOFGroup::addDOF(const KtDArray<int>& codes)
@@ -161,7 +161,7 @@ void KaASFDOFGroup::addDOF(const KtDArray<int>& codes)
 
 void KaASFDOFGroup::addDOF(const KaASFDOF& dof)
 {
-    _dofs.append(new KaASFDOF(dof));
+    _dofs.append(dof);
 }
 
 void KaASFDOFGroup::setDOFs(const KtDArray<int>& codes)
@@ -171,27 +171,23 @@ void KaASFDOFGroup::setDOFs(const KtDArray<int>& codes)
 }
 
 // The copies are made before the old DOFs go, so the source may be this
-// group's own list or a list of pointers into it.
-void KaASFDOFGroup::setDOFs(const KtList<KaASFDOF*>& dofs)
+// group's own list.
+void KaASFDOFGroup::setDOFs(KtPointerRange<const KaASFDOF> dofs)
 {
-    KtList<KaASFDOF*> copies;
+    KtGrowArray<KaASFDOF> copies;
     for (const KaASFDOF* dof : dofs)
-        copies.append(new KaASFDOF(*dof));
-    clearDOFs();
-    for (KaASFDOF* dof : copies)
-        _dofs.append(dof);
+        copies.append(*dof);
+    _dofs = std::move(copies);
 }
 
 void KaASFDOFGroup::clearDOFs()
 {
-    for (KaASFDOF* dof : _dofs)
-        delete dof;
     _dofs.clear();
 }
 
 bool KaASFDOFGroup::usesDOFGroup(const char* name) const
 {
-    for (const KaASFDOF* dof : _dofs)
+    for (const KaASFDOF* dof : dofs())
         if (dof->group() && dof->group()->name() == name)
             return true;
     return false;
@@ -199,7 +195,7 @@ bool KaASFDOFGroup::usesDOFGroup(const char* name) const
 
 bool KaASFDOFGroup::hasGroupDOFs() const
 {
-    for (const KaASFDOF* dof : _dofs)
+    for (const KaASFDOF* dof : dofs())
         if (dof->group())
             return true;
     return false;
@@ -207,7 +203,7 @@ bool KaASFDOFGroup::hasGroupDOFs() const
 
 bool KaASFDOFGroup::hasNonGroupDOFs() const
 {
-    for (const KaASFDOF* dof : _dofs)
+    for (const KaASFDOF* dof : dofs())
         if (!dof->group())
             return true;
     return false;

@@ -4,7 +4,7 @@
 #include <iosfwd>
 
 #include "toolkit/KtArray.h"
-#include "toolkit/KtList.h"
+#include "toolkit/KtGrowArray.h"
 #include "toolkit/KtStr.h"
 
 // DOF codes. Input names are matched ignoring case ("TX" ... "L"); names are
@@ -72,7 +72,7 @@ private:
     KaASFLimits _limits;
 };
 
-// A named, ordered list of DOFs; it owns its DOFs. Bones and the root each
+// A named, ordered list of DOFs; it holds its DOFs. Bones and the root each
 // have one (their channels); internal files also define shared named groups
 // that bone DOFs may refer to.
 class KaASFDOFGroup
@@ -87,7 +87,13 @@ public:
     const KtStr& name() const { return _name; }
     void setName(const char* name) { _name = name; }
 
-    const KtList<KaASFDOF*>& dofs() const { return _dofs; }
+    // In order, as pointers to the group's own DOFs; they stay valid until
+    // the group's DOFs next change.
+    KtPointerRange<const KaASFDOF> dofs() const
+    {
+        return {_dofs.data(), _dofs.count()};
+    }
+    KtPointerRange<KaASFDOF> dofs() { return {_dofs.data(), _dofs.count()}; }
     int numDOFs() const { return _dofs.count(); }
     // The DOF codes in order, for loops that should not walk the list.
     KtArray<int> codes() const;
@@ -104,7 +110,7 @@ public:
     // Appends a copy of a DOF (with its group reference and own limits).
     void addDOF(const KaASFDOF& dof);
     void setDOFs(const KtDArray<int>& codes);
-    void setDOFs(const KtList<KaASFDOF*>& dofs);
+    void setDOFs(KtPointerRange<const KaASFDOF> dofs);
     void clearDOFs();
 
     bool usesDOFGroup(const char* name) const;
@@ -116,7 +122,8 @@ public:
 
 private:
     KtStr _name;
-    KtList<KaASFDOF*> _dofs;
+    // Held in one block: a skeleton has many small lists of DOFs.
+    KtGrowArray<KaASFDOF> _dofs;
 };
 
 // Whether any DOF of the group is tx, ty or tz: such a body has position

@@ -180,7 +180,7 @@ void writeLimit(std::ostream& out, float value, bool degrees)
 // "    root a b\n" and one line per bone with children, "    a c d \n", both
 // in bone-list order. The children are gathered in one pass so that large
 // skeletons take time in proportion to their bones.
-void writeHierarchy(std::ostream& out, const KtList<KaASFBone*>& bones)
+void writeHierarchy(std::ostream& out, const KtGrowArray<KaASFBone*>& bones)
 {
     std::unordered_map<const KaASFBone*, std::vector<const KaASFBone*>>
         children;
@@ -345,7 +345,7 @@ void KaASF::printOn(std::ostream& out) const
         }
     }
     writeHierarchy(out, _bones);
-    for (const KtStr& skin : _skinFiles)
+    for (const char* skin : _skinFiles)
         out << ":skin " << skin << '\n';
 }
 

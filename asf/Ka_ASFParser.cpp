@@ -318,7 +318,6 @@ void Ka_ASFParser::read()
         return;
     }
     _assignMissingIds();
-    _storeSkinFiles();
 }
 
 // An empty section leaves the name empty; the end of the file ends the
@@ -414,22 +413,12 @@ bool Ka_ASFParser::_readDocumentation()
     return true;
 }
 
-// Every :skin section adds to the names, which are stored once when the
-// file is read, so many sections or long lists cost no more than their
-// length.
+// Every :skin section adds to the names.
 bool Ka_ASFParser::_readSkin()
 {
     while (_next() && !_isEndOfSection())
-        _skinFiles.emplace_back(_token);
+        _document->addSkinFile(_token);
     return true;
-}
-
-void Ka_ASFParser::_storeSkinFiles()
-{
-    KtDArray<KtStr> names(static_cast<int>(_skinFiles.size()));
-    for (int i = 0; i < names.count(); ++i)
-        names[i] = _skinFiles[i];
-    _document->setSkinFiles(names);
 }
 
 // ------------------------------------------------------------------ root

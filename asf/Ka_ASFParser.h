@@ -5,7 +5,6 @@
 #include <cstdarg>
 #include <iosfwd>
 #include <unordered_map>
-#include <vector>
 
 #include "asf/ASFTokenizer.h"
 #include "toolkit/KtNameIndex.h"
@@ -75,7 +74,6 @@ private:
     bool _readUnits();
     bool _readDocumentation();
     bool _readSkin();
-    void _storeSkinFiles();
 
     bool _readRoot();
     bool _readRootAxis(RootState* given);
@@ -139,5 +137,4 @@ private:
     // circle in the hierarchy.
     std::unordered_map<const KaASFBone*, ParentAssignment> _parentSetAt;
     long _assignments = 0;
-    std::vector<KtStr> _skinFiles;
 };

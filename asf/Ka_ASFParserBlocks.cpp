@@ -123,7 +123,7 @@ bool Ka_ASFParser::_finish(GroupBlock& block)
     if (!block.name)
         return _fail("Name undefined in :dofgroups section.");
     KaASFDOFGroup* group = _document->addDOFGroup(block.group);
-    _groupsByName.add(group->name(), group);
+    _groupsByName.add(group);
     return true;
 }
 

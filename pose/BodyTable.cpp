@@ -31,7 +31,12 @@ BodyTable::BodyTable(const KaASF& asf, const KtArray<KtStr>* motionNames)
 
 const char* BodyTable::name(int body) const
 {
-    return body == kRoot ? kKaRootName : _bodies[body].bone->name().text();
+    return _bodies[body].name();
+}
+
+const char* BodyTable::Body::name() const
+{
+    return bone ? bone->name().text() : kKaRootName;
 }
 
 int BodyTable::bodyNamed(const char* name) const
@@ -75,19 +80,22 @@ void BodyTable::_linkBodies()
     }
 }
 
-// The index keeps the first of names that differ only in case, as a search
-// from the front finds it.
+// Bodies whose names differ only in case share the first position of that
+// name, as a search from the front finds it. The bodies are indexed, not the
+// motion's names, which may be many more.
 void BodyTable::_locateNames(const KtArray<KtStr>& names)
 {
-    KtNameIndex<const KtStr> index;
-    for (const KtStr& name : names)
-        index.add(name.text(), &name);
-    for (int body = 0; body < count(); ++body)
+    KtNameIndex<Body> index;
+    for (Body& body : _bodies)
+        index.add(&body);
+    for (int i = 0; i < names.count(); ++i)
     {
-        const KtStr* found = index.find(name(body));
-        _bodies[body].namePosition =
-            found ? static_cast<int>(found - names.data()) : -1;
+        Body* first = index.find(names[i]);
+        if (first && first->namePosition < 0)
+            first->namePosition = i;
     }
+    for (int body = 0; body < count(); ++body)
+        _bodies[body].namePosition = index.find(name(body))->namePosition;
 }
 
 void BodyTable::bind(const KaAMCField& frame)

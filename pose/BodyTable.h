@@ -71,6 +71,8 @@ public:
 private:
     struct Body
     {
+        const char* name() const;
+
         const KaASFBone* bone = nullptr;
         const KaASFDOFGroup* dofs = nullptr;
         int parent = kRoot;

@@ -2,32 +2,87 @@
 #pragma once
 
 #include <cctype>
-#include <string>
-#include <unordered_map>
+#include <cstdint>
+#include <strings.h>
+#include <type_traits>
+
+#include "toolkit/KtArray.h"
 
 // Names that differ only in the case of their letters are one name, as for
-// KtStr::iCmp. The index keeps the first item added under a name; it does
-// not own the items and does not notice when an item is renamed.
+// KtStr::iCmp. The index keeps the first item added under a name. It holds
+// only pointers: a name is read from its item (item->name(), or the item
+// itself when it is text) whenever it is needed, so the index costs no copy
+// of any name. It does not own the items; an item renamed after it was added
+// may no longer be found.
 template <class T>
 class KtNameIndex
 {
 public:
-    void add(const char* name, T* item) { _items.emplace(_key(name), item); }
+    void add(T* item)
+    {
+        if ((_count + 1) * 2 > _slots.count())
+            _rehash(_slots.count() < kFirstSize ? kFirstSize
+                                                : 2 * _slots.count());
+        int slot = _slotOf(_nameOf(item));
+        if (_slots[slot])
+            return;
+        _slots[slot] = item;
+        ++_count;
+    }
     T* find(const char* name) const
     {
-        auto found = _items.find(_key(name));
-        return found == _items.end() ? nullptr : found->second;
+        if (!name || _count == 0)
+            return nullptr;
+        return _slots[_slotOf(name)];
     }
-    void clear() { _items.clear(); }
+    void clear()
+    {
+        _slots._clear();
+        _count = 0;
+    }
 
 private:
-    static std::string _key(const char* name)
+    static constexpr int kFirstSize = 16;
+
+    static const char* _nameOf(const T* item)
     {
-        std::string key(name ? name : "");
-        for (char& c : key)
-            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-        return key;
+        if constexpr (std::is_convertible_v<const T&, const char*>)
+            return *item;
+        else
+            return item->name();
     }
 
-    std::unordered_map<std::string, T*> _items;
+    // FNV-1a over the upper-case letters.
+    static uint32_t _hash(const char* name)
+    {
+        uint32_t hash = 2166136261u;
+        for (; *name; ++name)
+            hash = (hash ^ static_cast<unsigned char>(std::toupper(
+                               static_cast<unsigned char>(*name)))) *
+                   16777619u;
+        return hash;
+    }
+
+    // The slot that holds the name, or the empty one where it would go.
+    int _slotOf(const char* name) const
+    {
+        const int mask = _slots.count() - 1;
+        int slot = static_cast<int>(_hash(name) & mask);
+        while (_slots[slot] && strcasecmp(_nameOf(_slots[slot]), name) != 0)
+            slot = (slot + 1) & mask;
+        return slot;
+    }
+
+    void _rehash(int size)
+    {
+        KtArray<T*> old(std::move(_slots));
+        _slots._resize(size);
+        _count = 0;
+        for (T* item : old)
+            if (item)
+                add(item);
+    }
+
+    KtArray<T*> _slots;
+    int _count = 0;
 };

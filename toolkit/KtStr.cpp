@@ -9,55 +9,65 @@
 #include <cstdlib>
 #include <cstring>
 #include <istream>
+#include <new>
 #include <ostream>
 #include <string>
 
-// The buffer behind one or more KtStr handles. size is the capacity in bytes,
-// terminator included.
+// The buffer behind one or more KtStr handles: the record and its
+// characters share one heap block, so a short string costs one small
+// allocation. size is the capacity in bytes, terminator included.
 class Kt_CoreStr
 {
 public:
-    Kt_CoreStr(const char* source, int n)
-        : text(new char[n + 1])
-        , size(n + 1)
+    static Kt_CoreStr* create(const char* source, int n)
     {
-        std::memcpy(text, source, n);
-        text[n] = '\0';
+        Kt_CoreStr* core = _allocate(n + 1);
+        std::memcpy(core->text, source, n);
+        core->text[n] = '\0';
+        return core;
     }
-    ~Kt_CoreStr() { delete[] text; }
+    static void destroy(Kt_CoreStr* core)
+    {
+        core->~Kt_CoreStr();
+        ::operator delete(core);
+    }
+    // A buffer of n bytes holding as much of the core's text as fits; the
+    // old core is destroyed. Only its sole owner may resize it.
+    static Kt_CoreStr* resized(Kt_CoreStr* core, int n)
+    {
+        if (n == core->size || n < 1)
+            return core;
+        int keep = core->length();
+        if (keep > n - 1)
+            keep = n - 1;
+        Kt_CoreStr* grown = _allocate(n);
+        std::memcpy(grown->text, core->text, keep);
+        grown->text[keep] = '\0';
+        destroy(core);
+        return grown;
+    }
     Kt_CoreStr(const Kt_CoreStr&) = delete;
     Kt_CoreStr& operator=(const Kt_CoreStr&) = delete;
 
     int length() const { return static_cast<int>(std::strlen(text)); }
 
-    // Changes the capacity to n bytes, keeping as much of the text as fits.
-    void resize(int n)
-    {
-        if (n == size || n < 1)
-            return;
-        int keep = length();
-        if (keep > n - 1)
-            keep = n - 1;
-        char* grown = new char[n];
-        std::memcpy(grown, text, keep);
-        grown[keep] = '\0';
-        delete[] text;
-        text = grown;
-        size = n;
-    }
-    void resizeRel(int d) { resize(size + d); }
-    // Capacity for n characters, with the terminator placed at n; the
-    // characters between the old end and n are the caller's to fill.
-    void relength(int n)
-    {
-        resize(n + 1);
-        text[n] = '\0';
-    }
-    void relengthRel(int d) { relength(length() + d); }
-
     char* text;
     int size;
     int refCount = 1;
+
+private:
+    explicit Kt_CoreStr(int n)
+        : text(reinterpret_cast<char*>(this + 1))
+        , size(n)
+    {
+    }
+    ~Kt_CoreStr() = default;
+
+    static Kt_CoreStr* _allocate(int n)
+    {
+        void* block = ::operator new(sizeof(Kt_CoreStr) + n);
+        return new (block) Kt_CoreStr(n);
+    }
 };
 
 namespace
@@ -120,7 +130,7 @@ void KtStr::_linkTo(const char* text)
         return;
     }
     Kt_CoreStr* fresh =
-        text ? new Kt_CoreStr(text, static_cast<int>(std::strlen(text)))
+        text ? Kt_CoreStr::create(text, static_cast<int>(std::strlen(text)))
              : nullptr;
     _unlink();
     _core = fresh;
@@ -129,7 +139,7 @@ void KtStr::_linkTo(const char* text)
 void KtStr::_unlink()
 {
     if (_core && --_core->refCount == 0)
-        delete _core;
+        Kt_CoreStr::destroy(_core);
     _core = nullptr;
     _offset = 0;
 }
@@ -138,14 +148,14 @@ void KtStr::_preMod()
 {
     if (!_core)
     {
-        _core = new Kt_CoreStr("", 0);
+        _core = Kt_CoreStr::create("", 0);
         return;
     }
     if (_core->refCount >= 2)
     {
         --_core->refCount;
-        _core =
-            new Kt_CoreStr(_core->text + _offset, _core->length() - _offset);
+        _core = Kt_CoreStr::create(_core->text + _offset,
+                                   _core->length() - _offset);
         _offset = 0;
     }
     else if (_offset != 0)
@@ -170,7 +180,7 @@ void KtStr::_setLength(int n)
     if (n + 1 > _core->size)
     {
         int capacity = _core->size * 2;
-        _core->resize(capacity > n + 1 ? capacity : n + 1);
+        _core = Kt_CoreStr::resized(_core, capacity > n + 1 ? capacity : n + 1);
     }
     _core->text[n] = '\0';
 }

@@ -33,7 +33,7 @@ KaASFDOFGroup groupOf(const char* name, std::vector<int> codes)
 
 const KaASFDOF* firstDOF(const KaASFDOFGroup& group)
 {
-    return *group.dofs()[0];
+    return group.dofs()[0];
 }
 
 } // namespace

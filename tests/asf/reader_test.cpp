@@ -83,7 +83,7 @@ void expectChains(const char* failure, const std::vector<ChainCase>& cases)
 
 const KaASFDOF* dofAt(const KaASFDOFGroup& group, int i)
 {
-    return *group.dofs()[i];
+    return group.dofs()[i];
 }
 
 } // namespace
@@ -335,7 +335,7 @@ TEST(KaASFReader, EndsSectionsAtTheEndOfTheFile)
                       &skeleton));
     EXPECT_STREQ("text\n more", skeleton.header().documentation.text());
     ASSERT_EQ(3, skeleton.skinFiles().count());
-    EXPECT_STREQ("c.skn", skeleton.skinFiles()[2].text());
+    EXPECT_STREQ("c.skn", skeleton.skinFiles()[2]);
     EXPECT_EQ(1, skeleton.header().angleUnit);
     EXPECT_EQ("", chainOf(kVersion + ":name bob", &skeleton));
     EXPECT_STREQ("bob", skeleton.header().name.text());
