@@ -2,11 +2,12 @@
 // mean, and the lookup of their values in a frame by the position of names.
 #include "pose/BodyTable.h"
 
+#include <algorithm>
 #include <cstring>
+#include <strings.h>
 
 #include "amc/KaAMC.h"
 #include "asf/KaASF.h"
-#include "toolkit/KtNameIndex.h"
 
 BodyTable::BodyTable(const KaASF& asf, const KtArray<KtStr>* motionNames)
     : _asf(asf)
@@ -31,12 +32,7 @@ BodyTable::BodyTable(const KaASF& asf, const KtArray<KtStr>* motionNames)
 
 const char* BodyTable::name(int body) const
 {
-    return _bodies[body].name();
-}
-
-const char* BodyTable::Body::name() const
-{
-    return bone ? bone->name().text() : kKaRootName;
+    return body == kRoot ? kKaRootName : _bodies[body].bone->name().text();
 }
 
 int BodyTable::bodyNamed(const char* name) const
@@ -48,8 +44,10 @@ int BodyTable::bodyNamed(const char* name) const
 
 int BodyTable::_bodyOf(const KaASFBone* bone) const
 {
-    auto found = _bodyOfBone.find(bone);
-    return found == _bodyOfBone.end() ? kNone : found->second;
+    auto found = std::lower_bound(
+        _bodyOfBone.begin(), _bodyOfBone.end(), BoneBody{bone, kNone});
+    return found != _bodyOfBone.end() && found->bone == bone ? found->body
+                                                             : kNone;
 }
 
 void BodyTable::_addBody(int body,
@@ -68,8 +66,13 @@ void BodyTable::_addBody(int body,
 
 void BodyTable::_linkBodies()
 {
+    _bodyOfBone.reserve(count() - 1);
     for (int body = 1; body < count(); ++body)
-        _bodyOfBone.emplace(_bodies[body].bone, body);
+    {
+        _bodyOfBone.push_back({_bodies[body].bone, body});
+        _bonesByName.add(_bodies[body].bone);
+    }
+    std::sort(_bodyOfBone.begin(), _bodyOfBone.end());
     _bodies[kRoot].named = kRoot;
     for (int body = 1; body < count(); ++body)
     {
@@ -81,21 +84,29 @@ void BodyTable::_linkBodies()
 }
 
 // Bodies whose names differ only in case share the first position of that
-// name, as a search from the front finds it. The bodies are indexed, not the
-// motion's names, which may be many more.
+// name, as a search from the front finds it: each motion name is looked up
+// once among the bodies, through the skeleton's own index, and each body
+// then takes the position of the first body of its name.
 void BodyTable::_locateNames(const KtArray<KtStr>& names)
 {
-    KtNameIndex<Body> index;
-    for (Body& body : _bodies)
-        index.add(&body);
-    for (int i = 0; i < names.count(); ++i)
+    for (int i = names.count() - 1; i >= 0; --i)
     {
-        Body* first = index.find(names[i]);
-        if (first && first->namePosition < 0)
-            first->namePosition = i;
+        int body = _firstBodyNamed(names[i]);
+        if (body != kNone)
+            _bodies[body].namePosition = i;
     }
     for (int body = 0; body < count(); ++body)
-        _bodies[body].namePosition = index.find(name(body))->namePosition;
+        _bodies[body].namePosition =
+            _bodies[_firstBodyNamed(name(body))].namePosition;
+}
+
+// The root, or the first bone, whose name equals name ignoring case. The
+// table's own index answers for names that no bone has without a search.
+int BodyTable::_firstBodyNamed(const char* name) const
+{
+    if (strcasecmp(name, kKaRootName) == 0)
+        return kRoot;
+    return _bodyOf(_bonesByName.find(name));
 }
 
 void BodyTable::bind(const KaAMCField& frame)

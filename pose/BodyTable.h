@@ -2,9 +2,11 @@
 // one place where a name is resolved to a body.
 #pragma once
 
-#include <unordered_map>
+#include <functional>
+#include <vector>
 
 #include "toolkit/KtArray.h"
+#include "toolkit/KtNameIndex.h"
 #include "toolkit/KtStr.h"
 
 class KaAMCBone;
@@ -71,8 +73,6 @@ public:
 private:
     struct Body
     {
-        const char* name() const;
-
         const KaASFBone* bone = nullptr;
         const KaASFDOFGroup* dofs = nullptr;
         int parent = kRoot;
@@ -92,10 +92,23 @@ private:
     void _locateNames(const KtArray<KtStr>& names);
     void _linkBodies();
     int _bodyOf(const KaASFBone* bone) const;
+    int _firstBodyNamed(const char* name) const;
+
+    // The bodies of the bones, ordered by the bones' addresses.
+    struct BoneBody
+    {
+        const KaASFBone* bone;
+        int body;
+        bool operator<(const BoneBody& other) const
+        {
+            return std::less<const KaASFBone*>()(bone, other.bone);
+        }
+    };
 
     KtDArray<Body> _bodies;
     KtDArray<int> _codes;
-    std::unordered_map<const KaASFBone*, int> _bodyOfBone;
+    std::vector<BoneBody> _bodyOfBone;
+    KtNameIndex<const KaASFBone> _bonesByName;
     const KaASF& _asf;
     const KtArray<KtStr>* _motionNames;
     KtDArray<const KaAMCBone*> _values;

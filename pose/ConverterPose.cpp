@@ -91,12 +91,12 @@ ConverterPose::ConverterPose(const KaASF& asf,
     , _rootRest(rootRest(asf.root()))
 {
     int count = bodies.count();
-    _animatedSystems._resize(count);
-    _animatedInFrame._resize(count);
-    for (int moves = 0; moves < 2; ++moves)
+    for (KtDArray<int>* positions :
+         {&_animatedAt, &_placementAt[0], &_placementAt[1]})
     {
-        _placements[moves]._resize(count);
-        _placed[moves]._resize(count);
+        positions->_resize(count);
+        for (int& position : *positions)
+            position = -1;
     }
 }
 
@@ -113,8 +113,8 @@ void ConverterPose::startFrame()
 {
     if (++_frame == 0) // after 2^32 frames the marks start again
     {
-        for (unsigned& mark : _animatedInFrame)
-            mark = 0;
+        for (Animated& entry : _animated)
+            entry.frame = 0;
         _frame = 1;
     }
     _rootMoves = _bodies.values(BodyTable::kRoot) ? 1 : 0;
@@ -126,7 +126,7 @@ void ConverterPose::startFrame()
 const KtCoordSystem& ConverterPose::animated(int body)
 {
     _animationPath.clear();
-    for (int b = body; _animatedInFrame[b] != _frame; b = _bodies.parent(b))
+    for (int b = body; !_animatedInFrame(b); b = _bodies.parent(b))
     {
         _animationPath.push_back(b);
         if (b == BodyTable::kRoot)
@@ -134,7 +134,24 @@ const KtCoordSystem& ConverterPose::animated(int body)
     }
     for (auto b = _animationPath.rbegin(); b != _animationPath.rend(); ++b)
         _animate(*b);
-    return _animatedSystems[body];
+    return _animatedEntry(body).system;
+}
+
+bool ConverterPose::_animatedInFrame(int body) const
+{
+    int at = _animatedAt[body];
+    return at >= 0 && _animated[at].frame == _frame;
+}
+
+ConverterPose::Animated& ConverterPose::_animatedEntry(int body)
+{
+    int& at = _animatedAt[body];
+    if (at < 0)
+    {
+        at = static_cast<int>(_animated.size());
+        _animated.emplace_back();
+    }
+    return _animated[at];
 }
 
 const KtCoordSystem& ConverterPose::rest(int body)
@@ -146,13 +163,14 @@ const KtCoordSystem& ConverterPose::rest(int body)
 
 void ConverterPose::_animate(int body)
 {
-    KtCoordSystem& animated = _animatedSystems[body];
+    Animated& entry = _animatedEntry(body);
+    KtCoordSystem& animated = entry.system;
     if (body == BodyTable::kRoot)
         animated = _placedRest(BodyTable::kRoot);
     else
         Kt4X4FloatMat::multiply(animated,
                                 _placement(body).placed,
-                                _animatedSystems[_bodies.parent(body)]);
+                                _animatedEntry(_bodies.parent(body)).system);
     if (const KaAMCBone* values = _bodies.values(body))
         applyDOFCodes(animated,
                       _bodies.codes(body),
@@ -161,14 +179,14 @@ void ConverterPose::_animate(int body)
                       values->numValues(),
                       _scale,
                       _degrees);
-    _animatedInFrame[body] = _frame;
+    entry.frame = _frame;
 }
 
 // The rest system of a body already placed.
 const KtCoordSystem& ConverterPose::_placedRest(int body) const
 {
     if (body != BodyTable::kRoot)
-        return _placements[_rootMoves][body].rest;
+        return _placements[_rootMoves][_placementAt[_rootMoves][body]].rest;
     return _rootMoves ? _rootRest : kIdentitySystem;
 }
 
@@ -176,23 +194,23 @@ const KtCoordSystem& ConverterPose::_placedRest(int body) const
 // children, so its rest system is ready for them.
 const ConverterPose::Placement& ConverterPose::_placement(int body)
 {
-    KtDArray<Placement>& placements = _placements[_rootMoves];
-    KtDArray<char>& placed = _placed[_rootMoves];
-    if (placed[body])
-        return placements[body];
+    std::deque<Placement>& placements = _placements[_rootMoves];
+    KtDArray<int>& placementAt = _placementAt[_rootMoves];
+    if (placementAt[body] >= 0)
+        return placements[placementAt[body]];
     _placementPath.clear();
-    for (int b = body; b != BodyTable::kRoot && !placed[b];
+    for (int b = body; b != BodyTable::kRoot && placementAt[b] < 0;
          b = _bodies.parent(b))
         _placementPath.push_back(b);
     for (auto b = _placementPath.rbegin(); b != _placementPath.rend(); ++b)
     {
         const KtCoordSystem& parentRest = _placedRest(_bodies.parent(*b));
-        Placement& placement = placements[*b];
+        Placement& placement = placements.emplace_back();
         KtCoordSystem axisFrame;
         KaGetComposedBoneMatrices(
             &axisFrame, &placement.placed, *_bodies.bone(*b), parentRest);
         Kt4X4FloatMat::multiply(placement.rest, placement.placed, parentRest);
-        placed[*b] = 1;
+        placementAt[*b] = static_cast<int>(placements.size()) - 1;
     }
-    return placements[body];
+    return placements[placementAt[body]];
 }

@@ -2,6 +2,7 @@
 // skeleton's bodies frame after frame, with the converter's quirks.
 #pragma once
 
+#include <deque>
 #include <vector>
 
 #include "geometry/KtCoordSystem.h"
@@ -53,7 +54,16 @@ private:
         KtCoordSystem rest;
     };
 
+    // What a body evaluated in some frame keeps: its system and the frame.
+    struct Animated
+    {
+        KtCoordSystem system;
+        unsigned frame = 0;
+    };
+
     void _animate(int body);
+    bool _animatedInFrame(int body) const;
+    Animated& _animatedEntry(int body);
     const KtCoordSystem& _placedRest(int body) const;
     const Placement& _placement(int body);
 
@@ -65,11 +75,15 @@ private:
     // Whether the current frame moves the root; it selects the placements.
     int _rootMoves = 0;
 
-    KtDArray<KtCoordSystem> _animatedSystems;
-    KtDArray<unsigned> _animatedInFrame;
+    // Only the bodies that are evaluated get systems (a skeleton may have
+    // many more bones than the motion moves): each body has the position of
+    // its entry, -1 until it needs one. The entries never move, so the
+    // systems handed out stay valid.
+    KtDArray<int> _animatedAt;
+    std::deque<Animated> _animated;
     unsigned _frame = 0;
-    KtDArray<Placement> _placements[2];
-    KtDArray<char> _placed[2];
+    KtDArray<int> _placementAt[2];
+    std::deque<Placement> _placements[2];
     std::vector<int> _animationPath;
     std::vector<int> _placementPath;
 };

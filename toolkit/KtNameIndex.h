@@ -20,7 +20,8 @@ class KtNameIndex
 public:
     void add(T* item)
     {
-        if ((_count + 1) * 2 > _slots.count())
+        // At most two slots in three are taken.
+        if ((_count + 1) * 3 > _slots.count() * 2)
             _rehash(_slots.count() < kFirstSize ? kFirstSize
                                                 : 2 * _slots.count());
         int slot = _slotOf(_nameOf(item));
