@@ -10,7 +10,7 @@
 
 #include "toolkit/KtMemory.h"
 
-// Unlike KtArray it keeps spare room, doubling as it grows, and its values
+// Unlike KtArray it keeps spare room, growing by half as it grows, and its values
 // are moved with realloc: a large block is then remapped rather than copied,
 // so growing never holds the old and the new block at once. trim() gives
 // the spare room back. Running out of memory, or past INT_MAX values, ends
@@ -110,8 +110,8 @@ private:
             return;
         if (wanted > INT_MAX)
             KtMemoryExhausted();
-        long doubled = 2L * _capacity;
-        long capacity = doubled > wanted ? doubled : wanted;
+        long grown = _capacity + _capacity / 2;
+        long capacity = grown > wanted ? grown : wanted;
         _reallocate(static_cast<int>(capacity < INT_MAX ? capacity : INT_MAX));
     }
     void _reallocate(int capacity)
@@ -163,8 +163,7 @@ public:
     {
     }
     // A range of writable values is also one of read-only ones.
-    template <class U,
-              class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     KtPointerRange(const KtPointerRange<U>& other)
         : KtPointerRange(other[0], other.count())
     {

@@ -4,47 +4,48 @@
 
 #include "toolkit/KtGrowArray.h"
 
-// A name costs its characters, its terminator and one offset; no name is a
-// heap block of its own. Names are kept as given, in order.
+// The names follow each other, each with its terminator, and only every
+// 16th name's start is kept: a name costs little more than its characters,
+// and finding one passes over at most 15 others. Names are kept as given,
+// in order.
 class KtNameList
 {
 public:
+    // Walks the names in order.
     class Iterator
     {
     public:
-        Iterator(const KtNameList* list, int i)
-            : _list(list)
-            , _i(i)
+        explicit Iterator(const char* at)
+            : _at(at)
         {
         }
-        const char* operator*() const { return (*_list)[_i]; }
-        Iterator& operator++()
+        const char* operator*() const { return _at; }
+        Iterator& operator++();
+        bool operator!=(const Iterator& other) const
         {
-            ++_i;
-            return *this;
+            return _at != other._at;
         }
-        bool operator!=(const Iterator& other) const { return _i != other._i; }
 
     private:
-        const KtNameList* _list;
-        int _i;
+        const char* _at;
     };
 
-    int count() const { return _starts.count(); }
+    int count() const { return _count; }
     // Valid until the list next changes.
-    const char* operator[](int i) const { return _chars.data() + _starts[i]; }
-    Iterator begin() const { return Iterator(this, 0); }
-    Iterator end() const { return Iterator(this, count()); }
+    const char* operator[](int i) const;
+    Iterator begin() const { return Iterator(_chars.data()); }
+    Iterator end() const { return Iterator(_chars.data() + _chars.count()); }
 
     void append(const char* name);
     void append(const char* name, int length);
     // Keeps the first n names.
     void truncate(int n);
     void clear();
-    // Gives back the room kept for growth.
-    void trim();
 
 private:
+    static constexpr int kStride = 16;
+
     KtGrowArray<char> _chars;
-    KtGrowArray<int> _starts;
+    KtGrowArray<int> _starts; // of names 0, 16, 32, ...
+    int _count = 0;
 };

@@ -43,23 +43,30 @@ std::string unexpected(const std::string& word)
 // Words are cut at 80 characters, so a huge word costs no memory and is
 // reported by its first piece; a NUL byte is no part of a word, so none is
 // silently cut short at one. A file of nothing but many small things holds
-// memory in proportion to its size.
+// at most 8 bytes for each of its bytes; a two-letter reference to a group
+// stands for a whole DOF, and only the cap of 16 DOFs to a list bounds those.
 TEST(KaASFHostile, HostileTextsGiveTheirChainInBoundedMemory)
 {
     const std::string huge(kMegabyte, 'x');
     const std::string keyword =
         "Line 2:  Unknown keyword ':" + huge.substr(0, 79) + "' encountered.";
     std::string bones = kVersion + ":bonedata\n";
+    std::string dofs = bones;
+    std::string named = ":asf-internal\n" + kVersion + ":dofgroups\n";
     for (int i = 0; i < 20000; ++i)
-        bones += "begin name " + std::to_string(i) +
-                 " direction 0 0 0 length 0 axis 0 0 0 xyz end\n";
+    {
+        const std::string block = "begin name " + std::to_string(i) +
+                                  " direction 0 0 0 length 0 axis 0 0 0 xyz";
+        bones += block + " end\n";
+        dofs += block + " dof rx ry rz tx ty tz l end\n";
+        named += "begin name " + std::to_string(i) + " end\n";
+    }
     std::string groups =
         ":asf-internal\n" + kVersion + ":dofgroups\nbegin name g dof rx end\n";
     for (int i = 0; i < 5000; ++i)
         groups += "begin name g dof g g g g g g g g g g g g g g g g end\n";
-    std::string skins = kVersion + ":skin";
-    for (int i = 0; i < 200000; ++i)
-        skins += " s";
+    // "<" is a word of its own, even without blanks around it.
+    const std::string skins = kVersion + ":skin\n" + std::string(400000, '<');
     const std::string documentation =
         kVersion + ":documentation\n" + std::string(kMegabyte, 'd');
     const size_t small = 64 * 1024;
@@ -69,10 +76,12 @@ TEST(KaASFHostile, HostileTextsGiveTheirChainInBoundedMemory)
         {"a NUL byte in a bone name", kVersion + ":bonedata\n" + bone(std::string("a\0b", 3)), unexpected(""), small},
         {"a section keyword of a megabyte", kVersion + ":" + huge + "\n", errorBlock({keyword.c_str()}), small},
         {"a number of a megabyte of digits", kVersion + ":bonedata\n" + bone("a", "bodymass " + std::string(kMegabyte, '9')), unexpected(std::string(80, '9')), small},
-        {"many bones", bones, "", 48 * bones.size()},
-        {"many references to groups", groups, "", 48 * groups.size()},
-        {"many skin names", skins, "", 48 * skins.size()},
-        {"a long documentation", documentation, "", 48 * documentation.size()}};
+        {"many bones", bones, "", 8 * bones.size()},
+        {"many bones with all DOFs", dofs, "", 8 * dofs.size()},
+        {"many groups", named, "", 8 * named.size()},
+        {"many references to groups", groups, "", 9 * groups.size()},
+        {"many skin names", skins, "", 8 * skins.size()},
+        {"a long documentation", documentation, "", 8 * documentation.size()}};
     // clang-format on
     for (const auto& c : cases)
     {
