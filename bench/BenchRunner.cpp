@@ -1,6 +1,7 @@
 // bench_run: generates the benchmark captures, times the converter against
 // the baseline on them (alternating runs, medians) and prints the table,
-// then shows how time and memory grow with the number of frames.
+// then shows how time and memory grow with the number of frames, and the
+// peak memory on hostile shapes.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -26,6 +27,7 @@ struct Options
     long frames = 100000;
     unsigned long seed = 1;
     std::vector<long> growth = {10000, 100000, 1000000};
+    double memoryMB = 8.0; // size of each hostile shape; 0: no memory table
 };
 
 struct Sample
@@ -271,6 +273,57 @@ void growth(const Options& options)
     }
 }
 
+// Files made of one kind of tiny thing, each as short as the format allows;
+// the converter's peak memory is held to 8 times the shape's size.
+constexpr double kMemoryTarget = 8.0;
+const char* const kSkeletonShapes[] = {
+    "skin", "bones", "dofs", "limits", "hierarchy", "groups"};
+const char* const kMotionShapes[] = {"names", "lines", "frames", "values"};
+
+void memory(const Options& options)
+{
+    std::printf("\nmemory, motbake -f on hostile shapes of %.0f MB "
+                "(target: peak at most %.0fx the input)\n\n",
+                options.memoryMB,
+                kMemoryTarget);
+    std::printf("  %-10s %-9s %9s %9s %8s\n",
+                "shape",
+                "file",
+                "input MB",
+                "peak MB",
+                "peak/in");
+    auto row = [&](const char* shape, bool skeleton)
+    {
+        long bytes = static_cast<long>(options.memoryMB * kMB);
+        std::string stem =
+            options.work + "/hostile-" + shape + "-" + std::to_string(bytes);
+        Capture c;
+        c.variant = shape;
+        c.asf = stem + ".asf";
+        c.amc = stem + ".amc";
+        if (fileMB(c.asf) <= 0.0 || fileMB(c.amc) <= 0.0)
+            run({GENERATE_BIN,
+                 "hostile",
+                 shape,
+                 std::to_string(bytes),
+                 c.asf,
+                 c.amc});
+        double inputMB = fileMB(skeleton ? c.asf : c.amc);
+        Sample s = convert(options, c);
+        std::printf("  %-10s %-9s %9.1f %9.1f %8.2f\n",
+                    shape,
+                    skeleton ? "skeleton" : "motion",
+                    inputMB,
+                    s.peakMB,
+                    s.peakMB / inputMB);
+        std::fflush(stdout);
+    };
+    for (const char* shape : kSkeletonShapes)
+        row(shape, true);
+    for (const char* shape : kMotionShapes)
+        row(shape, false);
+}
+
 std::vector<long> frameList(const char* text)
 {
     std::vector<long> list;
@@ -305,9 +358,12 @@ Options parse(int argc, char** argv)
             options.growth = frameList(argv[++i]);
         else if (arg == "--no-growth")
             options.growth.clear();
+        else if (arg == "--memory" && hasValue)
+            options.memoryMB = std::max(0.0, std::atof(argv[++i]));
         else
             fail("usage: bench_run [--work DIR] [--runs N] [--frames N] "
-                 "[--seed N] [--growth N,N,...] [--no-growth]");
+                 "[--seed N] [--growth N,N,...] [--no-growth] "
+                 "[--memory MB]");
     }
     return options;
 }
@@ -320,5 +376,7 @@ int main(int argc, char** argv)
     mkdir(options.work.c_str(), 0777);
     compare(options);
     growth(options);
+    if (options.memoryMB > 0.0)
+        memory(options);
     return 0;
 }

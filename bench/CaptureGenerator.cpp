@@ -1,6 +1,7 @@
 // bench_generate: writes a realistic capture for the benchmark, a human
-// skeleton and a long motion whose values drift smoothly like real data.
-// The same seed always gives the same files.
+// skeleton and a long motion whose values drift smoothly like real data
+// (the same seed always gives the same files), or a hostile one: a file made
+// of one kind of tiny thing, for the memory table.
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -319,10 +320,137 @@ bool writeMotion(const char* path,
     return std::fclose(out) == 0;
 }
 
+// ---- Hostile shapes: many tiny things, each as short as the format allows,
+// for the memory table. One of the two files is the shape; the other is a
+// small partner that converts with it.
+
+// Short distinct names: a, b, ..., z, aa, ab, ...
+std::string shortName(long n)
+{
+    std::string name;
+    for (++n; n > 0; n = (n - 1) / 26)
+        name.insert(name.begin(), static_cast<char>('a' + (n - 1) % 26));
+    return name;
+}
+
+const char* const kMinimalBone = " direction 0 0 0 length 0 axis 0 0 0 xyz";
+
+// Appends pieces from piece(n) until the text holds at least bytes bytes.
+template <class Piece>
+void fill(std::string& text, long bytes, Piece piece)
+{
+    for (long n = 0; static_cast<long>(text.size()) < bytes; ++n)
+        text += piece(n);
+}
+
+std::string hostileSkeleton(const std::string& shape, long bytes)
+{
+    std::string text = ":version 1.10\n";
+    auto bone = [](long n, const char* more)
+    { return "begin name " + shortName(n) + kMinimalBone + more + " end\n"; };
+    if (shape == "skin")
+        fill(text += ":skin\n", bytes, [](long) { return "<"; });
+    else if (shape == "bones")
+        fill(text += ":bonedata\n", bytes, [&](long n) { return bone(n, ""); });
+    else if (shape == "dofs")
+        fill(text += ":bonedata\n",
+             bytes,
+             [&](long n) { return bone(n, " dof rx ry rz tx ty tz l"); });
+    else if (shape == "limits")
+        fill(text += ":bonedata\n",
+             bytes,
+             [&](long n)
+             {
+                 return bone(n,
+                             " dof rx ry rz tx ty tz l limits (0 1) (0 1) "
+                             "(0 1) (0 1) (0 1) (0 1) (0 1)");
+             });
+    else if (shape == "hierarchy")
+    {
+        // A thousand bones, then lines that name them again and again.
+        std::string children;
+        text += ":bonedata\n";
+        for (long n = 0; n < 1000; ++n)
+        {
+            text += bone(n, "");
+            children += " " + shortName(n);
+        }
+        fill(text += ":hierarchy\nbegin\n",
+             bytes,
+             [&](long) { return "root" + children + "\n"; });
+        text += "end\n";
+    }
+    else if (shape == "groups")
+        fill(text = ":asf-internal\n" + text + ":dofgroups\n",
+             bytes,
+             [](long n) { return "begin name " + shortName(n) + " end\n"; });
+    else
+        return "";
+    return text;
+}
+
+std::string hostileMotion(const std::string& shape, long bytes)
+{
+    std::string text = ":FULLY-SPECIFIED\n:DEGREES\n";
+    if (shape == "names")
+        fill(text += "1\n", bytes, [](long) { return "a\n"; });
+    else if (shape == "lines")
+        fill(text,
+             bytes,
+             [](long n) { return std::string(n % 1000 ? "" : "1\n") + "a\n"; });
+    else if (shape == "frames")
+        fill(text, bytes, [](long) { return "1\n"; });
+    else if (shape == "values")
+        fill(text,
+             bytes,
+             [](long)
+             {
+                 std::string line = "1\na";
+                 for (int i = 0; i < 61; ++i)
+                     line += " 1";
+                 return line + "\n";
+             });
+    else
+        return "";
+    return text;
+}
+
+bool writeText(const char* path, const std::string& text)
+{
+    FILE* out = std::fopen(path, "w");
+    if (!out)
+        return false;
+    bool written = std::fwrite(text.data(), 1, text.size(), out) == text.size();
+    return std::fclose(out) == 0 && written;
+}
+
+int writeHostile(const std::string& shape,
+                 long bytes,
+                 const char* asf,
+                 const char* amc)
+{
+    std::string skeleton = hostileSkeleton(shape, bytes);
+    std::string motion = hostileMotion(shape, bytes);
+    if (skeleton.empty() == motion.empty())
+        return 2;
+    bool written = skeleton.empty()
+                       ? writeSkeleton(asf, false) && writeText(amc, motion)
+                       : writeText(asf, skeleton) &&
+                             writeText(amc, ":FULLY-SPECIFIED\n:DEGREES\n1\n");
+    if (!written)
+    {
+        std::perror("bench_generate");
+        return 1;
+    }
+    return 0;
+}
+
 int usage()
 {
     std::fputs("usage: bench_generate standard|translating <frames> <seed> "
-               "<asf_file> <amc_file>\n",
+               "<asf_file> <amc_file>\n"
+               "       bench_generate hostile <shape> <bytes> <asf_file> "
+               "<amc_file>\n",
                stderr);
     return 2;
 }
@@ -333,6 +461,13 @@ int main(int argc, char** argv)
 {
     if (argc != 6)
         return usage();
+    if (std::strcmp(argv[1], "hostile") == 0)
+    {
+        long bytes = std::atol(argv[3]);
+        int status =
+            bytes > 0 ? writeHostile(argv[2], bytes, argv[4], argv[5]) : 2;
+        return status == 2 ? usage() : status;
+    }
     bool translating = std::strcmp(argv[1], "translating") == 0;
     if (!translating && std::strcmp(argv[1], "standard") != 0)
         return usage();
