@@ -3,6 +3,7 @@
 #include "app/Conversion.h"
 
 #include <sstream>
+#include <vector>
 
 #include "amc/KaAMC.h"
 #include "app/MelWriter.h"
@@ -43,6 +44,56 @@ private:
     ConvertedTexts& _texts;
 };
 
+// A body whose DOF count the first frame contradicts; a motion without
+// frames is one mismatch without a name.
+struct DOFMismatch
+{
+    const char* name;
+    int numDOFs;
+    int values; // -1: the first frame lacks the body
+};
+
+std::vector<DOFMismatch> dofMismatches(const BodyTable& bodies,
+                                       const ChannelLayout& layout,
+                                       const KaAMC& amc)
+{
+    std::vector<DOFMismatch> mismatches;
+    if (amc.numFields() == 0)
+    {
+        mismatches.push_back({nullptr, 0, 0});
+        return mismatches;
+    }
+    for (int body = 0; body < bodies.count(); ++body)
+    {
+        const ChannelLayout::Body& channels = layout.body(body);
+        const int numDOFs = bodies.numCodes(body);
+        if (channels.present && channels.firstFrameValues != numDOFs)
+            mismatches.push_back(
+                {bodies.name(body), numDOFs, channels.firstFrameValues});
+        else if (!channels.present && numDOFs > 0)
+            mismatches.push_back({bodies.name(body), numDOFs, -1});
+    }
+    return mismatches;
+}
+
+void postMismatches(const std::vector<DOFMismatch>& mismatches)
+{
+    for (const DOFMismatch& m : mismatches)
+    {
+        if (!m.name)
+            KtWarning("The AMC specifies no frames of data.");
+        else if (m.values >= 0)
+            KtWarning("Bone \"%s\" has %d dofs in the ASF, but the AMC "
+                      "specifies %d.",
+                      m.name,
+                      m.numDOFs,
+                      m.values);
+        else
+            KtWarning("Bone \"%s\" has dofs in the ASF, but not in the AMC.",
+                      m.name);
+    }
+}
+
 } // namespace
 
 int convertDocuments(const KaASF& asf,
@@ -50,11 +101,14 @@ int convertDocuments(const KaASF& asf,
                      const ConversionSettings& settings,
                      ConversionTarget& target)
 {
-    BodyTable bodies(asf, &amc.boneNames());
-    ChannelLayout layout(bodies, amc);
-    checkDOFCounts(bodies, layout, amc);
+    // The cross-check may warn about every bone: its warnings are reported
+    // before the tables for the outputs are made, so that the two are never
+    // held at once.
+    checkDOFCounts(asf, amc);
     if (target.stepFailed())
         return kExitFailure;
+    BodyTable bodies(asf, &amc.boneNames());
+    ChannelLayout layout(bodies, amc);
     target.write(
         ConversionOutput::kMEL,
         [&](std::ostream& out)
@@ -82,35 +136,23 @@ ConvertedTexts convertInMemory(const KaASF& asf,
 }
 
 // Bones of the frame that the skeleton lacks are not reported, and only the
-// first frame is examined.
+// first frame is examined. The mismatches are gathered first and posted in
+// the same order, so that the warnings can be posted after the tables that
+// found them are gone.
 void checkDOFCounts(const BodyTable& bodies,
                     const ChannelLayout& layout,
                     const KaAMC& amc)
 {
-    if (amc.numFields() == 0)
-    {
-        KtWarning("The AMC specifies no frames of data.");
-        return;
-    }
-    for (int body = 0; body < bodies.count(); ++body)
-    {
-        const ChannelLayout::Body& channels = layout.body(body);
-        const int numDOFs = bodies.numCodes(body);
-        if (channels.present && channels.firstFrameValues != numDOFs)
-            KtWarning("Bone \"%s\" has %d dofs in the ASF, but the AMC "
-                      "specifies %d.",
-                      bodies.name(body),
-                      numDOFs,
-                      channels.firstFrameValues);
-        else if (!channels.present && numDOFs > 0)
-            KtWarning("Bone \"%s\" has dofs in the ASF, but not in the AMC.",
-                      bodies.name(body));
-    }
+    postMismatches(dofMismatches(bodies, layout, amc));
 }
 
 void checkDOFCounts(const KaASF& asf, const KaAMC& amc)
 {
-    BodyTable bodies(asf, &amc.boneNames());
-    ChannelLayout layout(bodies, amc);
-    checkDOFCounts(bodies, layout, amc);
+    std::vector<DOFMismatch> mismatches;
+    {
+        BodyTable bodies(asf, &amc.boneNames());
+        ChannelLayout layout(bodies, amc);
+        mismatches = dofMismatches(bodies, layout, amc);
+    }
+    postMismatches(mismatches);
 }

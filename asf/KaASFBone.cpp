@@ -13,8 +13,7 @@ constexpr int kAngles = 3;
 // Body mass and centre of mass start at 0, like every other number of a
 // bone that the file does not give.
 KaASFBone::KaASFBone()
-    : _axis(kAngles)
-    , _axisOrder(kAngles)
+    : _axisOrder(kAngles)
 {
 }
 

@@ -37,8 +37,8 @@ public:
 
     // Local axis orientation angles indexed by axis (x, y, z), in radians,
     // and their axis order (codes 1 X, 2 Y, 3 Z).
-    const KtArray<float>& axis() const { return _axis; }
-    void setAxis(const KtArray<float>& angles) { _axis = angles; }
+    const KtPoint& axis() const { return _axis; }
+    void setAxis(const KtPoint& angles) { _axis = angles; }
     const KtArray<int>& axisOrder() const { return _axisOrder; }
     void setAxisOrder(const KtArray<int>& order) { _axisOrder = order; }
     bool _axisOrientOrderValid() const;
@@ -61,7 +61,8 @@ private:
     KaASFBone* _firstChild = nullptr;
     KtPoint _direction;
     float _length = 0.0f;
-    KtArray<float> _axis;
+    // Held in the bone: a skeleton may have many bones.
+    KtPoint _axis;
     KtArray<int> _axisOrder;
     float _bodyMass = 0.0f;
     float _cofMass = 0.0f;

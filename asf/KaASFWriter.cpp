@@ -71,6 +71,16 @@ void writePoint(std::ostream& out, const KtPoint& point)
     out << point[0] << ' ' << point[1] << ' ' << point[2];
 }
 
+void writeAngles(std::ostream& out, const KtPoint& angles, bool degrees)
+{
+    const char* separator = "";
+    for (int axis = 0; axis < 3; ++axis)
+    {
+        out << separator << asFixed(angles[axis], kLongDecimals, degrees);
+        separator = " ";
+    }
+}
+
 void writeAngles(std::ostream& out, const KtArray<float>& angles, bool degrees)
 {
     const char* separator = "";

@@ -250,9 +250,8 @@ bool Ka_ASFParser::_readBoneAxis(BoneBlock& block)
         !_readFloats(
             values, kPointSize, "Invalid value for axis in :bonedata section."))
         return false;
-    KtArray<float> angles(kPointSize);
-    for (int i = 0; i < kPointSize; ++i)
-        angles[i] = _radians(values[i]);
+    KtPoint angles(
+        _radians(values[0]), _radians(values[1]), _radians(values[2]));
     _next();
     KtArray<int> order;
     if (!KaAxisOrderFromWord(_token, &order))

@@ -22,14 +22,16 @@ ChannelLayout::ChannelLayout(BodyTable& bodies, const KaAMC& amc)
     for (int b = 0; b < bodies.count(); ++b)
     {
         Body& body = _bodies[b];
-        body.firstRotation = static_cast<int>(_rotations.size());
         body.translates = hasTranslationDOF(bodies.dofGroup(b));
-        appendRotations(bodies.dofGroup(b), &_rotations);
-        body.numRotations =
-            static_cast<int>(_rotations.size()) - body.firstRotation;
         const KaAMCBone* values = hasFrames ? bodies.values(b) : nullptr;
         if (!values)
             continue;
+        // Only a body with channels has rotations to list: a skeleton may
+        // have many more bones than the motion moves.
+        body.firstRotation = static_cast<int>(_rotations.size());
+        appendRotations(bodies.dofGroup(b), &_rotations);
+        body.numRotations =
+            static_cast<int>(_rotations.size()) - body.firstRotation;
         body.present = true;
         body.firstFrameValues = values->numValues();
         body.firstChannel = _numChannels;

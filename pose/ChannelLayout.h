@@ -25,6 +25,7 @@ public:
         int code;
     };
 
+    // The rotations are listed for present bodies only.
     struct Body
     {
         int firstRotation = 0;

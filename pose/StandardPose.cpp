@@ -18,11 +18,8 @@ constexpr KtMat3d kWorldRotation;
 
 // An axis word's angles composed first letter first. Codes the word does not
 // hold (an empty or short order) turn nothing.
-KtMat3d axisFrameOf(const KtArray<float>& angles, const KtArray<int>& order)
+KtMat3d axisFrameOf(const KtVec3d& byAxis, const KtArray<int>& order)
 {
-    KtVec3d byAxis;
-    for (int axis = 0; axis < std::min(3, angles.count()); ++axis)
-        byAxis[axis] = angles[axis];
     int codes[3] = {0, 0, 0};
     for (int place = 0; place < std::min(3, order.count()); ++place)
         codes[place] = order[place];
@@ -32,6 +29,15 @@ KtMat3d axisFrameOf(const KtArray<float>& angles, const KtArray<int>& order)
 KtVec3d vectorOf(const KtPoint& p)
 {
     return KtVec3d(p.x, p.y, p.z);
+}
+
+// Angles indexed by axis; missing ones turn nothing.
+KtVec3d vectorOf(const KtArray<float>& angles)
+{
+    KtVec3d byAxis;
+    for (int axis = 0; axis < std::min(3, angles.count()); ++axis)
+        byAxis[axis] = angles[axis];
+    return byAxis;
 }
 
 } // namespace
@@ -49,7 +55,7 @@ StandardPose::StandardPose(const KaASF& asf)
 
 void StandardPose::_addBodies(const KaASF& asf)
 {
-    auto add = [this](const KtArray<float>& angles,
+    auto add = [this](const KtVec3d& angles,
                       const KtArray<int>& order,
                       const KaASFDOFGroup& dofs) -> Body&
     {
@@ -64,14 +70,15 @@ void StandardPose::_addBodies(const KaASF& asf)
         return _bodies.back();
     };
     const KaASFRoot& root = asf.root();
-    add(root.orientation(), root.axisOrder(), root.dofGroup());
+    add(vectorOf(root.orientation()), root.axisOrder(), root.dofGroup());
 
     // Parents are found by address: names may repeat.
     std::unordered_map<const KaASFBone*, int> bodyOfBone;
     for (const KaASFBone* bone : asf.bones())
     {
         bodyOfBone.emplace(bone, static_cast<int>(_bodies.size()));
-        Body& body = add(bone->axis(), bone->axisOrder(), bone->dofGroup());
+        Body& body =
+            add(vectorOf(bone->axis()), bone->axisOrder(), bone->dofGroup());
         body.boneVector = bone->length() * vectorOf(bone->direction());
     }
     int body = kRoot;

@@ -16,9 +16,7 @@ constexpr float kQuarterTurn = 1.5707963267948966f;
 KaASFBone boneTurnedAboutX(float angle)
 {
     KaASFBone bone;
-    KtArray<float> angles(3);
-    angles[0] = angle;
-    bone.setAxis(angles);
+    bone.setAxis(KtPoint(angle, 0.0f, 0.0f));
     KtArray<int> order(3);
     for (int k = 0; k < 3; ++k)
         order[k] = k + 1;
