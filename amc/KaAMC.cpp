@@ -1,265 +1,85 @@
-// The motion model: bone value storage, name sharing, copies and building.
+// The motion model: its tables, the views into them, and building.
 #include "amc/KaAMC.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <type_traits>
-#include <utility>
-
-namespace
-{
-
-static_assert(sizeof(float*) <= sizeof(float) * 3,
-              "a spilled bone keeps its block's address in its inline bytes");
-// The reader moves every bone and field it reads; a copy there would cost
-// an allocation each.
-static_assert(std::is_nothrow_move_constructible_v<KaAMCBone> &&
-                  std::is_nothrow_move_constructible_v<KaAMCField>,
-              "bones and fields move without copying");
-
-// Allocation failure is handled as in the containers: no message through
-// the error handler, the process stops.
-float* allocateValues(int count)
-{
-    void* block = std::malloc(sizeof(float) * static_cast<size_t>(count));
-    if (!block)
-    {
-        std::fputs("Memory allocation failed\n", stderr);
-        std::abort();
-    }
-    return static_cast<float*>(block);
-}
-
-} // namespace
-
-// ---- KaAMCBone -----------------------------------------------------------
-
-KaAMCBone::KaAMCBone(const KaAMCBone& other)
-    : _name(other._name)
-{
-    setValues(other.values(), other._count);
-}
-
-KaAMCBone::KaAMCBone(KaAMCBone&& other) noexcept
-    : _name(other._name)
-    , _count(other._count)
-    , _storage(other._storage)
-{
-    other._count = 0;
-}
-
-KaAMCBone& KaAMCBone::operator=(const KaAMCBone& other)
-{
-    if (this != &other)
-    {
-        _name = other._name;
-        setValues(other.values(), other._count);
-    }
-    return *this;
-}
-
-KaAMCBone& KaAMCBone::operator=(KaAMCBone&& other) noexcept
-{
-    if (this != &other)
-    {
-        _release();
-        _name = other._name;
-        _count = other._count;
-        _storage = other._storage;
-        other._count = 0;
-    }
-    return *this;
-}
-
-KaAMCBone::~KaAMCBone()
-{
-    _release();
-}
-
-float* KaAMCBone::_spilled() const
-{
-    float* block = nullptr;
-    std::memcpy(&block, _storage.heapAddress, sizeof block);
-    return block;
-}
-
-void KaAMCBone::_release()
-{
-    if (_count > kInlineValues)
-        std::free(_spilled());
-    _count = 0;
-}
-
-void KaAMCBone::setValues(const float* values, int count)
-{
-    count = std::max(count, 0);
-    if (count <= kInlineValues)
-    {
-        float kept[kInlineValues];
-        std::copy_n(values, count, kept);
-        _release();
-        std::copy_n(kept, count, _storage.inlineValues);
-    }
-    else
-    {
-        float* block = allocateValues(count);
-        std::copy_n(values, count, block);
-        _release();
-        std::memcpy(_storage.heapAddress, &block, sizeof block);
-    }
-    _count = count;
-}
+#include <strings.h>
 
 // ---- KaAMCField ----------------------------------------------------------
 
-const KaAMCBone* KaAMCField::findBone(const char* name) const
+int KaAMCField::frameNumber() const
+{
+    return _motion->_fields[_index].frameNumber;
+}
+
+int KaAMCField::numBones() const
+{
+    return _motion->_firstBone(_index + 1) - _motion->_firstBone(_index);
+}
+
+KaAMCBone KaAMCField::bone(int i) const
+{
+    const KaAMC& m = *_motion;
+    const int line = m._firstBone(_index) + i;
+    const int start = m._valuesStart(line);
+    return KaAMCBone(i < m._boneNames.count() ? m._boneNames[i] : nullptr,
+                     m._values.data() + start,
+                     m._valueEnds[line] - start);
+}
+
+// The names are walked in order, not looked up one by one.
+int KaAMCField::findBone(const char* name) const
 {
     if (!name)
-        return nullptr;
-    for (const KaAMCBone& bone : _bones)
-        if (bone.name() && bone.name()->iCmp(name) == 0)
-            return &bone;
-    return nullptr;
-}
-
-bool KaAMCField::bonesNamedByPosition(const KtArray<KtStr>& names) const
-{
-    for (int i = 0; i < _bones.count(); ++i)
-        if (_bones[i].name() != (i < names.count() ? &names[i] : nullptr))
-            return false;
-    return true;
-}
-
-// A field may hold fewer bones than there are names (it then takes only
-// its own share) or more (the extra bones have no name).
-void KaAMCField::setBoneNamesPtr(const KtArray<KtStr>* names)
-{
-    int named = names ? std::min(names->count(), _bones.count()) : 0;
-    for (int i = 0; i < _bones.count(); ++i)
-        _bones[i].setName(i < named ? &(*names)[i] : nullptr);
-    _boneNames = names;
-}
-
-void KaAMCField::setNumBones(int n)
-{
-    _bones._resize(n);
-}
-
-void KaAMCField::setBones(const KtArray<KaAMCBone>& bones)
-{
-    _bones = bones;
-}
-
-void KaAMCField::setBones(const KtList<KaAMCBone>& bones)
-{
-    _bones._resize(bones.count());
+        return -1;
     int i = 0;
-    for (const KaAMCBone& bone : bones)
-        _bones[i++] = bone;
+    const int bones = numBones();
+    for (const char* candidate : _motion->_boneNames)
+    {
+        if (i >= bones)
+            break;
+        if (strcasecmp(candidate, name) == 0)
+            return i;
+        ++i;
+    }
+    return -1;
 }
 
 // ---- KaAMC ---------------------------------------------------------------
 
-KaAMC::KaAMC(const KaAMC& other)
-    : _mode(other._mode)
-    , _units(other._units)
-    , _boneNames(other._boneNames)
-    , _fields(other._fields)
+// The field past the last one starts after the last line.
+int KaAMC::_firstBone(int field) const
 {
-    if (_boneNames.count() > 0)
-        _pointFieldsAtNames();
+    return field < _fields.count() ? _fields[field].firstBone
+                                   : _valueEnds.count();
 }
 
-KaAMC& KaAMC::operator=(const KaAMC& other)
+int KaAMC::_valuesStart(int bone) const
 {
-    if (this != &other)
-    {
-        _mode = other._mode;
-        _units = other._units;
-        _boneNames = other._boneNames;
-        _fields = other._fields;
-        if (_boneNames.count() > 0)
-            _pointFieldsAtNames();
-    }
-    return *this;
-}
-
-// The names' storage moves with them, so the bones keep their names; only
-// the fields' pointer to the list itself must follow.
-KaAMC::KaAMC(KaAMC&& other) noexcept
-    : _mode(other._mode)
-    , _units(other._units)
-    , _boneNames(std::move(other._boneNames))
-    , _fields(std::move(other._fields))
-{
-    for (KaAMCField& field : _fields)
-        if (field._boneNames == &other._boneNames)
-            field._boneNames = &_boneNames;
-}
-
-KaAMC& KaAMC::operator=(KaAMC&& other) noexcept
-{
-    if (this != &other)
-    {
-        _mode = other._mode;
-        _units = other._units;
-        _boneNames = std::move(other._boneNames);
-        _fields = std::move(other._fields);
-        other._clear();
-        for (KaAMCField& field : _fields)
-            if (field._boneNames == &other._boneNames)
-                field._boneNames = &_boneNames;
-    }
-    return *this;
+    return bone > 0 ? _valueEnds[bone - 1] : 0;
 }
 
 void KaAMC::_clear()
 {
-    _boneNames._clear();
-    _fields._clear();
+    _boneNames.clear();
+    _fields.clear();
+    _valueEnds.clear();
+    _values.clear();
+    _lineMismatch = KaAMCLineMismatch();
 }
 
-void KaAMC::_pointFieldsAtNames()
-{
-    for (KaAMCField& field : _fields)
-        field.setBoneNamesPtr(&_boneNames);
-}
-
-// The old names are gone, so every field is re-pointed, even to an empty
-// list: no bone may keep a name that no longer exists.
-void KaAMC::setBoneNames(const KtArray<KtStr>& names)
+void KaAMC::setBoneNames(const KtNameList& names)
 {
     _boneNames = names;
-    _pointFieldsAtNames();
+    _lineMismatch = KaAMCLineMismatch();
 }
 
-void KaAMC::setBoneNames(const KtList<KtStr>& names)
+void KaAMC::appendField(int frameNumber)
 {
-    _boneNames._resize(names.count());
-    int i = 0;
-    for (const KtStr& name : names)
-        _boneNames[i++] = name;
-    _pointFieldsAtNames();
+    _fields.append({frameNumber, _valueEnds.count()});
 }
 
-// Without names of its own the motion leaves the copied bones' names as
-// they were.
-void KaAMC::setFields(const KtArray<KaAMCField>& fields)
+void KaAMC::appendBone(const float* values, int count)
 {
-    _fields = fields;
-    if (_boneNames.count() > 0)
-        _pointFieldsAtNames();
-}
-
-// The fields grow by exactly one, as a builder appends frame by frame.
-KaAMCField* KaAMC::createField(int frameNumber)
-{
-    _fields._resize(_fields.count() + 1);
-    KaAMCField& field = _fields[_fields.count() - 1];
-    field.setFrameNumber(frameNumber);
-    field.setNumBones(_boneNames.count());
-    field.setBoneNamesPtr(&_boneNames);
-    return &field;
+    if (count > 0)
+        _values.append(values, count);
+    _valueEnds.append(_values.count());
 }

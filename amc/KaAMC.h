@@ -3,109 +3,87 @@
 
 #include <iosfwd>
 
-#include "toolkit/KtArray.h"
-#include "toolkit/KtList.h"
+#include "toolkit/KtGrowArray.h"
+#include "toolkit/KtNameList.h"
 #include "toolkit/KtStr.h"
 
-// One bone's values in one field, in file order. The name is shared: it
-// points into the motion's bone-name list and is not owned by the bone.
-template <class Source>
-class KaAMCFieldReader;
+class KaAMC;
 
+// One bone line of a field: its values, in file order, and its name. A view
+// into the motion that holds it: valid until the motion next changes.
 class KaAMCBone
 {
 public:
     KaAMCBone() = default;
-    KaAMCBone(const KaAMCBone& other);
-    KaAMCBone(KaAMCBone&& other) noexcept;
-    KaAMCBone& operator=(const KaAMCBone& other);
-    KaAMCBone& operator=(KaAMCBone&& other) noexcept;
-    ~KaAMCBone();
 
-    const KtStr* name() const { return _name; }
-    void setName(const KtStr* name) { _name = name; }
-
+    // The first field's name at the bone's position; null for a bone past
+    // the first field's count.
+    const char* name() const { return _name; }
     int numValues() const { return _count; }
-    const float* values() const
-    {
-        return _count > kInlineValues ? _spilled() : _storage.inlineValues;
-    }
-    float value(int i) const { return values()[i]; }
-    // Copies count values (none when count < 1); values may be this bone's
-    // own.
-    void setValues(const float* values, int count);
+    const float* values() const { return _values; }
+    float value(int i) const { return _values[i]; }
 
-    // Reads the rest of the current line as values, up to the first text
-    // that is not a number.
-    void scanFrom(std::istream& in);
     // "name v1 v2 ... " (every value followed by a blank).
     void printOn(std::ostream& out) const;
 
 private:
-    // Most bone lines carry one to three rotations; those values live in the
-    // bone itself, so a long motion costs little more than its numbers. A
-    // longer line's values live in one heap block whose address is kept in
-    // the same bytes.
-    static constexpr int kInlineValues = 3;
-
-    float* _spilled() const;
-    void _release();
-
-    const KtStr* _name = nullptr;
-    int _count = 0;
-    union Storage
+    friend class KaAMCField;
+    KaAMCBone(const char* name, const float* values, int count)
+        : _name(name)
+        , _values(values)
+        , _count(count)
     {
-        float inlineValues[kInlineValues];
-        unsigned char heapAddress[sizeof(float) * kInlineValues];
-    } _storage = {};
+    }
+
+    const char* _name = nullptr;
+    const float* _values = nullptr;
+    int _count = 0;
 };
 
-// One frame: its number as written and its bones in line order.
+// One frame: its number as written and its bone lines in file order. A
+// view into the motion, like KaAMCBone. Later fields take their names by
+// position from the first field's.
 class KaAMCField
 {
 public:
-    KaAMCField() = default;
+    int frameNumber() const;
+    int numBones() const;
+    KaAMCBone bone(int i) const;
+    // The position of the first bone whose name equals name ignoring case,
+    // -1 when none (bones past the first field's count have no name).
+    int findBone(const char* name) const;
 
-    int frameNumber() const { return _frameNumber; }
-    void setFrameNumber(int frame) { _frameNumber = frame; }
-
-    int numBones() const { return _bones.count(); }
-    const KaAMCBone& bone(int i) const { return _bones[i]; }
-    KaAMCBone& bone(int i) { return _bones[i]; }
-    // First bone whose name equals name ignoring case, else null. Bones
-    // without a name (past the first field's bone count) never match.
-    const KaAMCBone* findBone(const char* name) const;
-    // True when bone i is named by names[i] for every i that names holds and
-    // the bones past them are unnamed, as after reading. findBone(name) is
-    // then the bone at the first position of name in names, if the field
-    // has a bone there: a lookup that needs no search.
-    bool bonesNamedByPosition(const KtArray<KtStr>& names) const;
-
-    // Reads one field; with names, stores each bone's name at its position.
-    void scanFrom(std::istream& in);
-    void scanFrom(std::istream& in, KtDArray<KtStr>* names);
-    // Bone i takes names[i], for the bones this field has; bones past the
-    // end of names are left without a name.
-    void setBoneNamesPtr(const KtArray<KtStr>* names);
-
-    void setNumBones(int n);
-    void setBones(const KtArray<KaAMCBone>& bones);
-    void setBones(const KtList<KaAMCBone>& bones);
     void printOn(std::ostream& out) const;
 
 private:
     friend class KaAMC;
-    // The reader, over a source of characters (KaAMCReader.cpp).
-    template <class Source>
-    friend class KaAMCFieldReader;
+    KaAMCField(const KaAMC* motion, int index)
+        : _motion(motion)
+        , _index(index)
+    {
+    }
 
-    const KtArray<KtStr>* _boneNames = nullptr;
-    int _frameNumber = 0;
-    KtDArray<KaAMCBone> _bones;
+    const KaAMC* _motion;
+    int _index;
+};
+
+// Where the bone lines of a later field first part from the first field's.
+struct KaAMCLineMismatch
+{
+    int field = -1; // the field's index; -1 when every field matches
+    int line = -1;  // the position of the first line that differs
+    // The field's name at that line; empty when the field ends before it.
+    KtStr name;
 };
 
 // The document. Reading and writing report failures through the error
 // handler (KtError) and return normally.
+//
+// A motion of millions of lines costs little more than its numbers: the
+// first field's names are one name list, and the fields, their bone lines
+// and the values are three plain tables for the whole motion (a field is
+// its frame number and its first line, a line where its values end), read
+// through the views KaAMCField and KaAMCBone.
 class KaAMC
 {
 public:
@@ -114,13 +92,6 @@ public:
         FULLY_SPECIFIED = 0
     };
 
-    KaAMC() = default;
-    // Copies names and fields; the copied fields point at the copy's names.
-    KaAMC(const KaAMC& other);
-    KaAMC& operator=(const KaAMC& other);
-    KaAMC(KaAMC&& other) noexcept;
-    KaAMC& operator=(KaAMC&& other) noexcept;
-
     Mode_t mode() const { return _mode; }
     void setMode(Mode_t mode) { _mode = mode; }
     // 1 angles in degrees, 0 in radians.
@@ -128,10 +99,14 @@ public:
     void setUnits(int units) { _units = units; }
 
     // The bone names in the order of the first field.
-    const KtDArray<KtStr>& boneNames() const { return _boneNames; }
+    const KtNameList& boneNames() const { return _boneNames; }
+    // The first later field, as read, whose bone lines are not the first
+    // field's in the same order: a name that differs ignoring case, or more
+    // or fewer lines. Such a field is still read by position, as every field
+    // is; this only tells. Emptied with the fields, and by setBoneNames.
+    const KaAMCLineMismatch& lineMismatch() const { return _lineMismatch; }
     int numFields() const { return _fields.count(); }
-    const KaAMCField& field(int i) const { return _fields[i]; }
-    KaAMCField& field(int i) { return _fields[i]; }
+    KaAMCField field(int i) const { return KaAMCField(this, i); }
 
     // Reads and checks the header; each output may be null. Returns 1 when
     // the header is complete, else 0 with the reason in *message. Records
@@ -152,13 +127,11 @@ public:
     // after a failure the stream may stand past the text that failed.
     void scanFrom(std::istream& in);
 
-    // Building in memory.
-    void setBoneNames(const KtArray<KtStr>& names);
-    void setBoneNames(const KtList<KtStr>& names);
-    void setFields(const KtArray<KaAMCField>& fields);
-    // Appends a field with one unnamed bone per bone name; the pointer stays
-    // valid until the fields are next resized.
-    KaAMCField* createField(int frameNumber);
+    // Building in memory: the names, then each field with its bone lines.
+    void setBoneNames(const KtNameList& names);
+    void appendField(int frameNumber);
+    // Appends a bone line to the last field.
+    void appendBone(const float* values, int count);
 
     // Only a FULLY_SPECIFIED motion can be written; any other mode aborts.
     void printOn(std::ostream& out) const;
@@ -169,13 +142,29 @@ public:
     void _clear();
 
 private:
+    friend class KaAMCField;
+    template <class Source>
+    friend class KaAMCFieldReader;
+
+    struct FieldRecord
+    {
+        int frameNumber;
+        int firstBone;
+    };
+
     void _scanFrom(std::istream& in, int maxFields);
     template <class Reader>
     void _scanFields(Reader& reader, int maxFields);
-    void _pointFieldsAtNames();
+    int _firstBone(int field) const;
+    int _valuesStart(int bone) const;
 
     Mode_t _mode = FULLY_SPECIFIED;
     int _units = 1;
-    KtDArray<KtStr> _boneNames;
-    KtDArray<KaAMCField> _fields;
+    KtNameList _boneNames;
+    KtGrowArray<FieldRecord> _fields;
+    // Per bone line of the whole motion, where its values end in _values;
+    // they start where the previous line's end.
+    KtGrowArray<int> _valueEnds;
+    KtGrowArray<float> _values;
+    KaAMCLineMismatch _lineMismatch;
 };

@@ -3,11 +3,13 @@
 #include <cstring>
 #include <istream>
 #include <string>
+#include <strings.h>
 #include <utility>
 
 #include "amc/KaAMC.h"
 #include "amc/KaScanFloat.h"
 #include "amc/KaScanText.h"
+#include "toolkit/KtArray.h"
 #include "toolkit/KtCancelHandler.h"
 #include "toolkit/KtCompStream.h"
 #include "toolkit/KtError.h"
@@ -26,12 +28,6 @@ using KaScanText::Traits;
 namespace
 {
 
-// Chunks by which the arrays grow while reading; each is trimmed once.
-// Names and bones grow by at least their chunk and at most doubling, so that
-// a field of a million lines is not moved a million/50 times.
-constexpr int kFieldChunk = 250;
-constexpr int kNameChunk = 50;
-constexpr int kBoneChunk = 50;
 constexpr int kCancelInterval = 20;
 // The characters of a whole motion are taken from its stream in blocks.
 constexpr int kBlockSize = 1 << 16;
@@ -59,11 +55,6 @@ std::string shownStart(const char* name)
         if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
             c = '?';
     return shown;
-}
-
-int grown(int count, int chunk)
-{
-    return count + std::max(chunk, count);
 }
 
 int refuse(KtStr* message, const char* reason)
@@ -164,78 +155,90 @@ void drain(KtCompIFStream& in)
         in.ignore(kDrainChunk, Traits::eof());
 }
 
-// The fields of one read, gathered in blocks of kFieldChunk. A block never
-// moves once made, so even a very long motion is read in linear time;
-// moveInto moves each field once more, into an array of the exact count.
-class FieldBlocks
+// While a motion is read, each later field's bone names are compared with
+// the first field's, walked along in step with the lines; only the first
+// difference is recorded. Equal names usually match exactly, so that
+// comparison comes first.
+class LineNames
 {
 public:
-    KaAMCField& append()
+    LineNames(const KtNameList& names, KaAMCLineMismatch* mismatch)
+        : _names(names)
+        , _mismatch(mismatch)
+        , _expected(names.begin())
     {
-        int slot = _count % kFieldChunk;
-        if (slot == 0)
-            _addBlock();
-        ++_count;
-        return _blocks[_used - 1][slot];
     }
 
-    void moveInto(KtDArray<KaAMCField>& fields)
+    void startField(int field)
     {
-        fields._clear();
-        fields._resize(_count);
-        int i = 0;
-        for (int b = 0; b < _used; ++b)
-        {
-            for (KaAMCField& field : _blocks[b])
-                if (i < _count)
-                    fields[i++] = std::move(field);
-            _blocks[b]._clear();
-        }
+        _field = field;
+        _expected = _names.begin();
+    }
+    void compareLine(int line, const char* name)
+    {
+        if (!_comparing())
+            return;
+        if (line >= _names.count())
+            return _record(line, name);
+        const char* expected = *_expected;
+        ++_expected;
+        if (std::strcmp(expected, name) != 0 && strcasecmp(expected, name) != 0)
+            _record(line, name);
+    }
+    // A field that ends early differs too.
+    void endField(int count)
+    {
+        if (_comparing() && count < _names.count())
+            _record(count, "");
     }
 
 private:
-    void _addBlock()
+    bool _comparing() const { return _mismatch->field < 0; }
+    void _record(int line, const char* name)
     {
-        if (_used == _blocks.count())
-            _blocks._resize(std::max(2 * _blocks.count(), 16));
-        _blocks[_used++]._resize(kFieldChunk);
+        _mismatch->field = _field;
+        _mismatch->line = line;
+        _mismatch->name = name;
     }
 
-    KtDArray<KtDArray<KaAMCField>> _blocks;
-    int _used = 0;
-    int _count = 0;
+    const KtNameList& _names;
+    KaAMCLineMismatch* _mismatch;
+    KtNameList::Iterator _expected;
+    int _field = 0;
 };
 
 } // namespace
 
 // ---- The field reader ---------------------------------------------------
 
-// Reads bones and fields from a source of characters (see StreamSource and
-// BlockSource); the fields' bones are gathered in a buffer kept across the
-// fields of one read, so that each field allocates its bones exactly once.
+// Reads fields from a source of characters (see StreamSource and
+// BlockSource) and appends them, with their bone lines and values, to the
+// motion; the first field read also gives the bone names.
 template <class Source>
 class KaAMCFieldReader
 {
 public:
-    explicit KaAMCFieldReader(std::istream& in)
+    KaAMCFieldReader(std::istream& in, KaAMC& motion)
         : _source(in)
+        , _motion(motion)
+        , _lineNames(motion._boneNames, &motion._lineMismatch)
     {
     }
     std::istream& stream() { return _source.stream(); }
 
-    // With names, each bone's name is stored at its position.
-    void readField(KaAMCField& field, KtDArray<KtStr>* names);
-    void readBone(KaAMCBone& bone);
+    void readField(bool first);
 
 private:
-    int _readBones(KaAMCField& field, KtDArray<KtStr>* names);
+    int _readBones(bool first, int frameNumber);
+    bool _readValues(float* values, int* count);
 
     Source _source;
-    KtDArray<KaAMCBone> _lines;
+    KaAMC& _motion;
+    LineNames _lineNames;
 };
 
 template <class Source>
-void KaAMCFieldReader<Source>::readBone(KaAMCBone& bone)
+bool KaAMCFieldReader<Source>::_readValues(float* values, int* count)
 {
     char line[kMaxLineLength + 1];
     const char* text = nullptr;
@@ -245,31 +248,31 @@ void KaAMCFieldReader<Source>::readBone(KaAMCBone& bone)
         KtError("The bone's values are longer than %d characters.",
                 kMaxLineLength);
         KtError("Unable to read bone's values.");
-        return;
+        return false;
     case LineRead::kFailed:
         KtError("Unable to read bone's values.");
-        return;
+        return false;
     case LineRead::kRead:
         break;
     }
     // Text after the first non-number is ignored.
-    float values[kMaxValues];
-    int count = 0;
+    *count = 0;
     const char* cursor = text;
-    while (count < kMaxValues && KaScanFloat(cursor, &values[count]))
-        ++count;
-    bone.setValues(values, count);
+    while (*count < kMaxValues && KaScanFloat(cursor, &values[*count]))
+        ++*count;
+    return true;
 }
 
 // A field ends where the next word starts with a digit: the next frame
 // number. Bone names therefore never start with a digit, and a negative
 // frame number reads as a bone name.
 template <class Source>
-void KaAMCFieldReader<Source>::readField(KaAMCField& field,
-                                         KtDArray<KtStr>* names)
+void KaAMCFieldReader<Source>::readField(bool first)
 {
-    field._bones._clear();
-    readInteger(_source, &field._frameNumber);
+    _motion.appendField(0);
+    int frameNumber = 0;
+    readInteger(_source, &frameNumber);
+    _motion._fields.last().frameNumber = frameNumber;
     if (stream().eof())
         return;
     if (stream().fail())
@@ -277,19 +280,17 @@ void KaAMCFieldReader<Source>::readField(KaAMCField& field,
         KtError("Unable to read field number.");
         return;
     }
-    int count = _readBones(field, names);
-    if (names)
-        names->_resize(count);
-    field._bones._resize(count);
-    for (int i = 0; i < count; ++i)
-        field._bones[i] = std::move(_lines[i]);
+    if (!first)
+        _lineNames.startField(_motion.numFields() - 1);
+    int count = _readBones(first, frameNumber);
+    if (!first)
+        _lineNames.endField(count);
 }
 
-// Returns the number of bones read into _lines (and their names into
-// names), up to the end of the field or the first error.
+// Appends the bones read, up to the end of the field or the first error, and
+// returns their number; in the first field each bone's name too.
 template <class Source>
-int KaAMCFieldReader<Source>::_readBones(KaAMCField& field,
-                                         KtDArray<KtStr>* names)
+int KaAMCFieldReader<Source>::_readBones(bool first, int frameNumber)
 {
     std::istream& in = stream();
     for (int count = 0;; ++count)
@@ -319,8 +320,7 @@ int KaAMCFieldReader<Source>::_readBones(KaAMCField& field,
             KtError("The bone name \"%s...\" is longer than %d characters.",
                     shownStart(name).c_str(),
                     kMaxNameLength);
-            KtError("Unable to read bone name for field %d.",
-                    field._frameNumber);
+            KtError("Unable to read bone name for field %d.", frameNumber);
             return count;
         }
         // A last name with neither values nor a newline is dropped.
@@ -328,47 +328,24 @@ int KaAMCFieldReader<Source>::_readBones(KaAMCField& field,
             return count;
         if (in.fail())
         {
-            KtError("Unable to read bone name for field %d.",
-                    field._frameNumber);
+            KtError("Unable to read bone name for field %d.", frameNumber);
             return count;
         }
 
-        if (names)
+        if (!first)
+            _lineNames.compareLine(count, name);
+        float values[kMaxValues];
+        int numValues = 0;
+        if (!_readValues(values, &numValues))
         {
-            if (count >= names->count())
-                names->_resize(grown(names->count(), kNameChunk));
-            (*names)[count] = name;
-        }
-        if (count >= _lines.count())
-            _lines._resize(grown(_lines.count(), kBoneChunk));
-        readBone(_lines[count]);
-        if (theExceptObj.errorOccurred())
-        {
-            KtError("Unable to read bone '%s' for field %d.",
-                    name,
-                    field._frameNumber);
+            KtError(
+                "Unable to read bone '%s' for field %d.", name, frameNumber);
             return count;
         }
+        if (first)
+            _motion._boneNames.append(name);
+        _motion.appendBone(values, numValues);
     }
-}
-
-// ---- KaAMCBone -----------------------------------------------------------
-
-void KaAMCBone::scanFrom(std::istream& in)
-{
-    KaAMCFieldReader<StreamSource>(in).readBone(*this);
-}
-
-// ---- KaAMCField ----------------------------------------------------------
-
-void KaAMCField::scanFrom(std::istream& in)
-{
-    scanFrom(in, nullptr);
-}
-
-void KaAMCField::scanFrom(std::istream& in, KtDArray<KtStr>* names)
-{
-    KaAMCFieldReader<StreamSource>(in).readField(*this, names);
 }
 
 // ---- KaAMC ---------------------------------------------------------------
@@ -500,26 +477,28 @@ void KaAMC::_scanFrom(std::istream& in, int maxFields)
         KtError("File does not contain amc data.");
         return;
     }
+    _clear();
     if (maxFields == 0)
     {
-        KaAMCFieldReader<BlockSource> reader(in);
+        KaAMCFieldReader<BlockSource> reader(in, *this);
         _scanFields(reader, maxFields);
     }
     else
     {
-        KaAMCFieldReader<StreamSource> reader(in);
+        KaAMCFieldReader<StreamSource> reader(in, *this);
         _scanFields(reader, maxFields);
     }
 }
 
-// The first field names the bones for all others.
+// The first field names the bones for all others, which are compared with
+// it. The tables are filled as the text is read; a failure before the end
+// of the file empties them.
 template <class Reader>
 void KaAMC::_scanFields(Reader& reader, int maxFields)
 {
-    FieldBlocks fields;
     for (int n = 0;;)
     {
-        reader.readField(fields.append(), n == 0 ? &_boneNames : nullptr);
+        reader.readField(n == 0);
         ++n;
         // A failure seen at the end of the file keeps what was read.
         if (reader.stream().eof())
@@ -538,6 +517,4 @@ void KaAMC::_scanFields(Reader& reader, int maxFields)
             return;
         }
     }
-    fields.moveInto(_fields);
-    _pointFieldsAtNames();
 }

@@ -15,7 +15,7 @@ void KaAMCBone::printOn(std::ostream& out) const
         KtError("Unable to write a bone without a name.");
         return;
     }
-    out << *_name << ' ';
+    out << _name << ' ';
     if (out.fail())
     {
         KtError("Unable to write name.");
@@ -34,10 +34,10 @@ void KaAMCBone::printOn(std::ostream& out) const
 
 void KaAMCField::printOn(std::ostream& out) const
 {
-    out << _frameNumber << '\n';
-    for (const KaAMCBone& bone : _bones)
+    out << frameNumber() << '\n';
+    for (int i = 0; i < numBones(); ++i)
     {
-        bone.printOn(out);
+        bone(i).printOn(out);
         if (theExceptObj.errorOccurred())
         {
             KtError("Unable to write bone information.");
@@ -65,15 +65,16 @@ void KaAMC::printOn(std::ostream& out) const
         KtError("Unable to write degrees/radians.");
         return;
     }
-    for (const KaAMCField& field : _fields)
+    for (int i = 0; i < numFields(); ++i)
     {
+        const KaAMCField field = this->field(i);
         field.printOn(out);
         if (theExceptObj.errorOccurred())
         {
             KtError("Unable to write field.");
             return;
         }
-        if (field.numBones() != _fields[0].numBones())
+        if (field.numBones() != this->field(0).numBones())
         {
             KtError("The number of bones in field %d differs from the number "
                     "of bones in previous fields.",

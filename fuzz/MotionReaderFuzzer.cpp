@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     // Also after a failure: a failed read must leave a usable document.
     KaAMC copy(motion);
     for (int i = 0; i < copy.numFields(); ++i)
-        for (const KtStr& name : copy.boneNames())
+        for (const char* name : copy.boneNames())
             copy.field(i).findBone(name);
     std::ostringstream out;
     copy.printOn(out);

@@ -9,7 +9,7 @@
 #include "amc/KaAMC.h"
 #include "asf/KaASF.h"
 
-BodyTable::BodyTable(const KaASF& asf, const KtArray<KtStr>* motionNames)
+BodyTable::BodyTable(const KaASF& asf, const KtNameList* motionNames)
     : _asf(asf)
     , _motionNames(motionNames)
 {
@@ -28,6 +28,7 @@ BodyTable::BodyTable(const KaASF& asf, const KtArray<KtStr>* motionNames)
     _linkBodies();
     if (_motionNames)
         _locateNames(*_motionNames);
+    _makeSlots();
 }
 
 const char* BodyTable::name(int body) const
@@ -87,13 +88,15 @@ void BodyTable::_linkBodies()
 // name, as a search from the front finds it: each motion name is looked up
 // once among the bodies, through the skeleton's own index, and each body
 // then takes the position of the first body of its name.
-void BodyTable::_locateNames(const KtArray<KtStr>& names)
+void BodyTable::_locateNames(const KtNameList& names)
 {
-    for (int i = names.count() - 1; i >= 0; --i)
+    int i = 0;
+    for (const char* name : names)
     {
-        int body = _firstBodyNamed(names[i]);
-        if (body != kNone)
+        int body = _firstBodyNamed(name);
+        if (body != kNone && _bodies[body].namePosition < 0)
             _bodies[body].namePosition = i;
+        ++i;
     }
     for (int body = 0; body < count(); ++body)
         _bodies[body].namePosition =
@@ -109,19 +112,42 @@ int BodyTable::_firstBodyNamed(const char* name) const
     return _bodyOf(_bonesByName.find(name));
 }
 
+// Every field of a motion takes its names by position from the first, so
+// with the motion's names a body's line is found without a search.
 void BodyTable::bind(const KaAMCField& frame)
 {
-    if (_motionNames && frame.bonesNamedByPosition(*_motionNames))
-    {
-        for (int body = 0; body < count(); ++body)
-        {
-            int position = _bodies[body].namePosition;
-            _values[body] = position >= 0 && position < frame.numBones()
-                                ? &frame.bone(position)
-                                : nullptr;
-        }
-        return;
-    }
     for (int body = 0; body < count(); ++body)
-        _values[body] = frame.findBone(name(body));
+    {
+        const int slot = _slot[body];
+        int line = kNone;
+        if (slot != kNone)
+            line = _motionNames ? _bodies[body].namePosition
+                                : frame.findBone(name(body));
+        if (line < 0 || line >= frame.numBones())
+        {
+            _values[body] = nullptr;
+            continue;
+        }
+        _lines[slot] = line;
+        _views[slot] = frame.bone(line);
+        _values[body] = &_views[slot];
+    }
+}
+
+int BodyTable::line(int body) const
+{
+    return _values[body] ? _lines[_slot[body]] : kNone;
+}
+
+// A body gets room for its line only if a frame can hold it: with the
+// motion's names, only the bodies they name.
+void BodyTable::_makeSlots()
+{
+    _slot._resize(count());
+    int slots = 0;
+    for (int body = 0; body < count(); ++body)
+        _slot[body] =
+            !_motionNames || _bodies[body].namePosition >= 0 ? slots++ : kNone;
+    _views._resize(slots);
+    _lines._resize(slots);
 }

@@ -5,11 +5,12 @@
 #include <functional>
 #include <vector>
 
+#include "amc/KaAMC.h"
 #include "toolkit/KtArray.h"
 #include "toolkit/KtNameIndex.h"
+#include "toolkit/KtNameList.h"
 #include "toolkit/KtStr.h"
 
-class KaAMCBone;
 class KaAMCField;
 class KaASF;
 class KaASFBone;
@@ -31,10 +32,10 @@ public:
     static constexpr int kNone = -1;
 
     // motionNames: the bone names that the motion's fields share by
-    // position (KaAMC::boneNames), or null. A frame whose bones are named by
-    // these positions is looked up without searching; any other frame is
-    // searched with KaAMCField::findBone.
-    BodyTable(const KaASF& asf, const KtArray<KtStr>* motionNames);
+    // position (KaAMC::boneNames), or null. With them a frame's line for a
+    // body is found without a search; without them each frame is searched
+    // with KaAMCField::findBone.
+    BodyTable(const KaASF& asf, const KtNameList* motionNames);
 
     int count() const { return _bodies.count(); }
     const char* name(int body) const;
@@ -69,6 +70,8 @@ public:
     const KaAMCBone* values(int body) const { return _values[body]; }
     // All bodies' values, indexed by body.
     const KaAMCBone* const* boundValues() const { return _values.data(); }
+    // The bound frame's line that holds the body's values, kNone when none.
+    int line(int body) const;
 
 private:
     struct Body
@@ -89,7 +92,8 @@ private:
                   const KaASFBone* bone,
                   const KaASFDOFGroup& dofs,
                   int& code);
-    void _locateNames(const KtArray<KtStr>& names);
+    void _locateNames(const KtNameList& names);
+    void _makeSlots();
     void _linkBodies();
     int _bodyOf(const KaASFBone* bone) const;
     int _firstBodyNamed(const char* name) const;
@@ -110,6 +114,11 @@ private:
     std::vector<BoneBody> _bodyOfBone;
     KtNameIndex<const KaASFBone> _bonesByName;
     const KaASF& _asf;
-    const KtArray<KtStr>* _motionNames;
+    const KtNameList* _motionNames;
+    // The bound frame's values of each body (null when the frame lacks it),
+    // pointing at a view in the body's slot, where its line is kept too.
     KtDArray<const KaAMCBone*> _values;
+    KtDArray<int> _slot;
+    KtDArray<KaAMCBone> _views;
+    KtDArray<int> _lines;
 };

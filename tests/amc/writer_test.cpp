@@ -13,17 +13,25 @@ namespace
 
 const std::string kKeywords = ":FULLY-SPECIFIED\n:DEGREES\n";
 
-// Bones lhand (1.5 2) and rhand (no values), one field per frame number.
+// Bones lhand (1.5 2) and rhand (no values), one field per frame number;
+// the field of frame 2 has only lhand, that of frame 3 a third bone.
 KaAMC hands(std::initializer_list<int> frames)
 {
-    KtList<KtStr> names;
+    KtNameList names;
     names.append("lhand");
     names.append("rhand");
     KaAMC amc;
     amc.setBoneNames(names);
     const float values[] = {1.5f, 2};
     for (int frame : frames)
-        amc.createField(frame)->bone(0).setValues(values, 2);
+    {
+        amc.appendField(frame);
+        amc.appendBone(values, 2);
+        if (frame != 2)
+            amc.appendBone(nullptr, 0);
+        if (frame == 3)
+            amc.appendBone(values, 1);
+    }
     return amc;
 }
 
@@ -53,44 +61,38 @@ TEST(KaAMCWriter, WritesKeywordsFramesAndBoneLinesEndingInABlank)
 }
 
 // Writing stops at the first failure. The bone count is compared after the
-// field is written, so the offending field is in the output.
+// field is written, so the offending field is in the output; a bone past
+// the names has none to write.
 TEST(KaAMCWriter, StopsAtTheFirstFailureWithItsChain)
 {
-    KaAMC amc = hands({1, 2, 3});
-    amc.field(1).setNumBones(1);
     EXPECT_EQ(kKeywords + "1\nlhand 1.5 2 \nrhand \n2\nlhand 1.5 2 \n",
-              printed(amc));
+              printed(hands({1, 2, 3})));
     EXPECT_EQ(errorBlock({"The number of bones in field 2 differs from the "
                           "number of bones in previous fields."}),
               printedChain());
-    amc.field(1).setNumBones(3); // the new bones have no name
-    printed(amc);
+    printed(hands({3}));
     EXPECT_EQ(errorBlock({"Unable to write field.",
                           "Unable to write bone information.",
                           "Unable to write a bone without a name."}),
               printedChain());
     std::ostringstream out;
     out.setstate(std::ios_base::badbit);
-    amc.printOn(out);
+    hands({1}).printOn(out);
     EXPECT_EQ(errorBlock({"Unable to write mode."}), printedChain());
 }
 
-// Renaming, replacing the fields, copying and moving all leave every bone
-// pointing at the names of the motion that holds it.
-TEST(KaAMCWriter, FieldsPointAtTheirOwnMotionsNames)
+// Bones take their names by position from the motion's names, whichever
+// names it is given last; copies and moves keep their own.
+TEST(KaAMCWriter, BonesAreNamedByPosition)
 {
     KaAMC amc = hands({1, 2});
-    KtArray<KtStr> renamed(3);
-    renamed[0] = "LHAND";
-    renamed[1] = "RHAND";
+    KtNameList renamed;
+    renamed.append("LHAND");
+    renamed.append("RHAND");
+    renamed.append("spare");
     amc.setBoneNames(renamed);
-    EXPECT_STREQ("RHAND", amc.field(1).bone(1).name()->text());
-
-    KaAMC other = hands({5});
-    KtArray<KaAMCField> fields(1);
-    fields[0] = amc.field(0);
-    other.setFields(fields);
-    EXPECT_EQ(&other.boneNames()[0], other.field(0).bone(0).name());
+    EXPECT_STREQ("RHAND", amc.field(0).bone(1).name());
+    EXPECT_EQ(-1, amc.field(1).findBone("rhand")); // past its one bone
 
     KaAMC* original = new KaAMC(amc);
     KaAMC copy(*original);
@@ -99,9 +101,9 @@ TEST(KaAMCWriter, FieldsPointAtTheirOwnMotionsNames)
     delete original;
     KaAMC moved(std::move(assigned));
     for (const KaAMC* m : {&copy, &moved})
-        EXPECT_EQ(&m->field(1).bone(0), m->field(1).findBone("lhand"));
+        EXPECT_EQ(1, m->field(0).findBone("rhand"));
 
-    amc.setBoneNames(KtArray<KtStr>());
+    amc.setBoneNames(KtNameList());
     EXPECT_EQ(nullptr, amc.field(0).bone(0).name());
 }
 

@@ -1,6 +1,7 @@
 // Hostile inputs through the real program: Windows line ends, bones the
 // skeleton lacks, a skeleton without bones, a chain 100,000 bones deep,
-// values and frame numbers at the edges, and damaged compressed input.
+// values and frame numbers at the edges, damaged compressed input, and a
+// skeleton larger than the memory the program may have.
 #include <cstdlib>
 #include <string>
 
@@ -196,7 +197,7 @@ TEST(MotbakeHostile, RunningOutOfMemoryEndsWithTheMessage)
 #endif
     TempDir dir;
     writeFile(dir.file("body.asf"),
-              ":version 1.10\n:skin\n" + std::string(8 << 20, '<'));
+              ":version 1.10\n:skin\n" + std::string(16 << 20, '<'));
     writeFile(dir.file("move.amc"), kHeader + "1\nroot 1 2 3 4 5 6\n");
     RunResult run = runProgram("/usr/bin/prlimit",
                                {"--as=24000000",

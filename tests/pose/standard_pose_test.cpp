@@ -11,6 +11,7 @@
 #include "amc/KaAMC.h"
 #include "asf/KaASF.h"
 #include "geometry/KtEuler3d.h"
+#include "pose/BodyTable.h"
 #include "pose/StandardPose.h"
 #include "support/geometry3d_helpers.h"
 #include "support/test_helpers.h"
@@ -47,13 +48,10 @@ KaASF skeleton(const std::string& root,
 }
 
 // Each body's values in the field, found by name.
-std::vector<const KaAMCBone*> valuesOf(const KaAMCField& field,
-                                       const KaASF& asf)
+const KaAMCBone* const* valuesOf(const KaAMCField& field, BodyTable& bodies)
 {
-    std::vector<const KaAMCBone*> values{field.findBone("root")};
-    for (const KaASFBone* bone : asf.bones())
-        values.push_back(field.findBone(bone->name()));
-    return values;
+    bodies.bind(field);
+    return bodies.boundValues();
 }
 
 StandardPose pose(const KaASF& asf, const std::string& frame, int degrees = 1)
@@ -62,7 +60,8 @@ StandardPose pose(const KaASF& asf, const std::string& frame, int degrees = 1)
         read<KaAMC>(std::string(":FULLY-SPECIFIED\n") +
                     (degrees ? ":DEGREES" : ":RADIANS") + "\n1\n" + frame);
     StandardPose standard(asf);
-    standard.evaluate(valuesOf(motion.field(0), asf).data(), degrees);
+    BodyTable bodies(asf, nullptr);
+    standard.evaluate(valuesOf(motion.field(0), bodies), degrees);
     return standard;
 }
 
@@ -168,9 +167,10 @@ TEST(StandardPose, StartsEveryBoneWhereItsParentEnds)
     motion.read(EXAMPLES_DIR "/walk.amc");
     ASSERT_EQ("", printedChain());
     StandardPose standard(asf);
+    BodyTable bodies(asf, nullptr);
     for (int frame = 0; frame < motion.numFields(); frame += 60)
     {
-        standard.evaluate(valuesOf(motion.field(frame), asf).data(), 1);
+        standard.evaluate(valuesOf(motion.field(frame), bodies), 1);
         EXPECT_NEAR3D(standard.start(0), standard.end(0), 0.0);
         for (int body = 1; body < standard.count(); ++body)
         {
