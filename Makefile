@@ -12,7 +12,7 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 BUILD_PACKAGES := cmake g++ make
 TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs
 FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
-FUZZ_TARGETS   := skeleton motion conversion
+FUZZ_TARGETS   := skeleton motion conversion rig commandline
 DEMO_OUTPUTS   := walk.mel walk.mov human_rig.mel
 
 .PHONY: all build test demo demo-check bench verify-format fuzz format format-check clean
