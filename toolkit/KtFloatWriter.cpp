@@ -9,14 +9,8 @@ KtFloatWriter::KtFloatWriter(std::ostream& out)
 {
 }
 
-void KtFloatWriter::number(float value)
+void KtFloatWriter::_slowNumber(float value)
 {
-    _makeRoom();
-    if (_fast)
-    {
-        _end = KtFormatFloat(_end, value);
-        return;
-    }
     flush();
     _out << value;
 }

@@ -18,7 +18,14 @@ public:
     KtFloatWriter(const KtFloatWriter&) = delete;
     KtFloatWriter& operator=(const KtFloatWriter&) = delete;
 
-    void number(float value);
+    void number(float value)
+    {
+        _makeRoom();
+        if (_fast)
+            _end = KtFormatFloat(_end, value);
+        else
+            _slowNumber(value);
+    }
     void character(char c)
     {
         _makeRoom();
@@ -30,6 +37,7 @@ private:
     // Text is handed to the stream in blocks of about this size.
     static constexpr int kBlockSize = 1 << 16;
 
+    void _slowNumber(float value);
     void _makeRoom()
     {
         if (_end - _block >= kBlockSize)
