@@ -3,27 +3,15 @@
 
 #include <strings.h>
 
+// ---- KaAMCBone -----------------------------------------------------------
+
+const char* KaAMCBone::name() const
+{
+    return _names && _position < _names->count() ? (*_names)[_position]
+                                                 : nullptr;
+}
+
 // ---- KaAMCField ----------------------------------------------------------
-
-int KaAMCField::frameNumber() const
-{
-    return _motion->_fields[_index].frameNumber;
-}
-
-int KaAMCField::numBones() const
-{
-    return _motion->_firstBone(_index + 1) - _motion->_firstBone(_index);
-}
-
-KaAMCBone KaAMCField::bone(int i) const
-{
-    const KaAMC& m = *_motion;
-    const int line = m._firstBone(_index) + i;
-    const int start = m._valuesStart(line);
-    return KaAMCBone(i < m._boneNames.count() ? m._boneNames[i] : nullptr,
-                     m._values.data() + start,
-                     m._valueEnds[line] - start);
-}
 
 // The names are walked in order, not looked up one by one.
 int KaAMCField::findBone(const char* name) const
@@ -44,18 +32,6 @@ int KaAMCField::findBone(const char* name) const
 }
 
 // ---- KaAMC ---------------------------------------------------------------
-
-// The field past the last one starts after the last line.
-int KaAMC::_firstBone(int field) const
-{
-    return field < _fields.count() ? _fields[field].firstBone
-                                   : _valueEnds.count();
-}
-
-int KaAMC::_valuesStart(int bone) const
-{
-    return bone > 0 ? _valueEnds[bone - 1] : 0;
-}
 
 void KaAMC::_clear()
 {

@@ -18,7 +18,7 @@ public:
 
     // The first field's name at the bone's position; null for a bone past
     // the first field's count.
-    const char* name() const { return _name; }
+    const char* name() const;
     int numValues() const { return _count; }
     const float* values() const { return _values; }
     float value(int i) const { return _values[i]; }
@@ -28,15 +28,22 @@ public:
 
 private:
     friend class KaAMCField;
-    KaAMCBone(const char* name, const float* values, int count)
-        : _name(name)
+    KaAMCBone(const KtNameList* names,
+              int position,
+              const float* values,
+              int count)
+        : _names(names)
         , _values(values)
+        , _position(position)
         , _count(count)
     {
     }
 
-    const char* _name = nullptr;
+    // The name is looked up only when asked for: most readers of a bone
+    // want its values.
+    const KtNameList* _names = nullptr;
     const float* _values = nullptr;
+    int _position = 0;
     int _count = 0;
 };
 
@@ -155,8 +162,16 @@ private:
     void _scanFrom(std::istream& in, int maxFields);
     template <class Reader>
     void _scanFields(Reader& reader, int maxFields);
-    int _firstBone(int field) const;
-    int _valuesStart(int bone) const;
+    // The field past the last one starts after the last line.
+    int _firstBone(int field) const
+    {
+        return field < _fields.count() ? _fields[field].firstBone
+                                       : _valueEnds.count();
+    }
+    int _valuesStart(int line) const
+    {
+        return line > 0 ? _valueEnds[line - 1] : 0;
+    }
 
     Mode_t _mode = FULLY_SPECIFIED;
     int _units = 1;
@@ -168,3 +183,24 @@ private:
     KtGrowArray<float> _values;
     KaAMCLineMismatch _lineMismatch;
 };
+
+// Inline: every frame of a conversion reaches its values through these.
+inline int KaAMCField::frameNumber() const
+{
+    return _motion->_fields[_index].frameNumber;
+}
+
+inline int KaAMCField::numBones() const
+{
+    return _motion->_firstBone(_index + 1) - _motion->_firstBone(_index);
+}
+
+inline KaAMCBone KaAMCField::bone(int i) const
+{
+    const int line = _motion->_firstBone(_index) + i;
+    const int start = _motion->_valuesStart(line);
+    return KaAMCBone(&_motion->_boneNames,
+                     i,
+                     _motion->_values.data() + start,
+                     _motion->_valueEnds[line] - start);
+}

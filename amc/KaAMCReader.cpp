@@ -180,10 +180,19 @@ public:
             return;
         if (line >= _names.count())
             return _record(line, name);
+        // One pass compares and finds the next expected name.
         const char* expected = *_expected;
-        ++_expected;
-        if (std::strcmp(expected, name) != 0 && strcasecmp(expected, name) != 0)
+        const char* given = name;
+        while (*expected && *expected == *given)
+            ++expected, ++given;
+        if (*expected == *given)
+        {
+            _expected = KtNameList::Iterator(expected + 1);
+            return;
+        }
+        if (strcasecmp(*_expected, name) != 0)
             _record(line, name);
+        ++_expected;
     }
     // A field that ends early differs too.
     void endField(int count)

@@ -10,12 +10,13 @@
 // is set here.
 void KaAMCBone::printOn(std::ostream& out) const
 {
-    if (!_name)
+    const char* name = this->name();
+    if (!name)
     {
         KtError("Unable to write a bone without a name.");
         return;
     }
-    out << _name << ' ';
+    out << name << ' ';
     if (out.fail())
     {
         KtError("Unable to write name.");

@@ -116,6 +116,7 @@ int BodyTable::_firstBodyNamed(const char* name) const
 // with the motion's names a body's line is found without a search.
 void BodyTable::bind(const KaAMCField& frame)
 {
+    const int numLines = frame.numBones();
     for (int body = 0; body < count(); ++body)
     {
         const int slot = _slot[body];
@@ -123,7 +124,7 @@ void BodyTable::bind(const KaAMCField& frame)
         if (slot != kNone)
             line = _motionNames ? _bodies[body].namePosition
                                 : frame.findBone(name(body));
-        if (line < 0 || line >= frame.numBones())
+        if (line < 0 || line >= numLines)
         {
             _values[body] = nullptr;
             continue;
