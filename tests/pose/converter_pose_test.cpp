@@ -1,14 +1,18 @@
 // The converter's pose: DOF values applied as "pre" operations in their
 // order and units, bodies evaluated down from the root.
+#include <string>
 #include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "geometry/KtCoordSystem.h"
+#include "pose/BodyTable.h"
+#include "pose/ConverterPose.h"
 #include "pose/PoseEvaluation.h"
 #include "support/documents.h"
 #include "support/geometry_helpers.h"
+#include "support/heap_watch.h"
 
 namespace
 {
@@ -89,4 +93,23 @@ TEST(EvaluateBodyFrame, WalksDownFromTheRoot)
         EXPECT_MATRIX_NEAR(restFrame, rest) << body;
         EXPECT_MATRIX_NEAR(animatedFrame, animated) << body;
     }
+}
+
+// Only the bodies that a frame reaches get coordinate systems: a skeleton of
+// many bones that the motion does not move costs a few numbers per bone.
+TEST(ConverterPose, HoldsSystemsOnlyForTheBodiesItEvaluates)
+{
+    const int bones = 20000;
+    std::string bonedata;
+    for (int i = 0; i < bones; ++i)
+        bonedata += boneBlock("b" + std::to_string(i), "rx");
+    KaASF asf = skeletonFrom(skeletonText("TX TY TZ RX RY RZ", bonedata, ""));
+    KaAMC amc = motionFrom("1\nroot 1 2 3 4 5 6\n");
+    BodyTable bodies(asf, &amc.boneNames());
+    HeapWatch watch;
+    ConverterPose pose(asf, bodies, 1.0f, 1);
+    bodies.bind(amc.field(0));
+    pose.startFrame();
+    pose.animated(BodyTable::kRoot);
+    EXPECT_LT(watch.peakGrowth(), 16u * bones);
 }

@@ -1,11 +1,13 @@
 // KtArray, KtDArray and the list whose nodes survive removal under a visitor.
 #include <array>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "toolkit/KtArray.h"
 #include "toolkit/KtList.h"
+#include "toolkit/KtNameList.h"
 #include "toolkit/KtStr.h"
 
 TEST(KtArray, ResizingKeepsElementsAndHoldsExactlyTheCount)
@@ -94,4 +96,32 @@ TEST(KtDLListIter, RemovedNodesAreSkippedAndUnlinkedWhenLeft)
     numbers.removeLast();
     EXPECT_EQ(nullptr, numbers._firstNode());
     EXPECT_EQ(nullptr, numbers._lastNode());
+}
+
+// Names of any length (the empty one too) come back by position, across
+// the every-16th starts, in order, and after the list is cut and grown.
+TEST(KtNameList, KeepsNamesInOrderThroughCutsAndGrowth)
+{
+    KtNameList names;
+    std::vector<std::string> kept;
+    for (int i = 0; i < 40; ++i)
+    {
+        kept.push_back(std::string(i % 5, static_cast<char>('a' + i % 26)));
+        names.append(kept.back().c_str());
+    }
+    for (int cut : {40, 33, 17, 16, 1})
+    {
+        names.truncate(cut);
+        kept.resize(cut);
+        names.append("x");
+        kept.push_back("x");
+        ASSERT_EQ(static_cast<int>(kept.size()), names.count());
+        size_t i = 0;
+        for (const char* name : names)
+        {
+            EXPECT_EQ(kept[i], names[static_cast<int>(i)]);
+            EXPECT_EQ(kept[i++], name);
+        }
+        EXPECT_EQ(kept.size(), i);
+    }
 }
