@@ -9,16 +9,27 @@ KtFloatWriter::KtFloatWriter(std::ostream& out)
 {
 }
 
-void KtFloatWriter::number(float value)
+template <class Number>
+void KtFloatWriter::_number(Number value, char* (*format)(char*, Number))
 {
     _makeRoom();
     if (_fast)
     {
-        _end = KtFormatFloat(_end, value);
+        _end = format(_end, value);
         return;
     }
     flush();
     _out << value;
+}
+
+void KtFloatWriter::number(float value)
+{
+    _number(value, KtFormatFloat);
+}
+
+void KtFloatWriter::number(double value)
+{
+    _number(value, KtFormatDouble);
 }
 
 void KtFloatWriter::flush()

@@ -1,14 +1,14 @@
-// KtFloatWriter: floats and separators written to a stream in large blocks,
-// each float exactly as the stream's own insertion would write it.
+// KtFloatWriter: floats, doubles and separators written to a stream in large
+// blocks, each number exactly as the stream's own insertion would write it.
 #pragma once
 
 #include <iosfwd>
 
 #include "toolkit/KtFormatFloat.h"
 
-// Numbers take KtFormatFloat's text when the stream would write the same
-// (its default format); otherwise the stream's own insertion writes them, so
-// the text never depends on which path was taken. Whatever is collected
+// Numbers take KtFormatFloat's (KtFormatDouble's) text when the stream would
+// write the same (its default format); otherwise the stream's own insertion
+// writes them, so the text never depends on which path was taken. Whatever is collected
 // reaches the stream at the latest on flush() or destruction.
 class KtFloatWriter
 {
@@ -19,6 +19,7 @@ public:
     KtFloatWriter& operator=(const KtFloatWriter&) = delete;
 
     void number(float value);
+    void number(double value);
     void character(char c)
     {
         _makeRoom();
@@ -30,6 +31,8 @@ private:
     // Text is handed to the stream in blocks of about this size.
     static constexpr int kBlockSize = 1 << 16;
 
+    template <class Number>
+    void _number(Number value, char* (*format)(char*, Number));
     void _makeRoom()
     {
         if (_end - _block >= kBlockSize)

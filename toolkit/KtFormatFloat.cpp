@@ -3,6 +3,7 @@
 #include "toolkit/KtFormatFloat.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <locale>
 #include <ostream>
@@ -22,6 +23,11 @@ constexpr int kLeastFixedExponent = -4;
 // six digits multiplies by 10^s with s from -34 to 50.
 constexpr int kMaxFivePower = 50;
 constexpr int kMaxTenPower = 38;
+// Doubles are formatted here from 2^-80 (about 8e-25) to below 2^80 (about
+// 1.2e24), where scaling them stays within 128 bits: m below 2^53 times 5^s
+// for s up to 30, or divided by 10^19 * 2^32 at most.
+constexpr int kDoubleBias = 1023;
+constexpr int kMaxDoubleBinaryExponent = 80;
 
 template <int N>
 struct Powers
@@ -83,27 +89,16 @@ Rest classify(T rest, T half)
                        : (rest == half ? Rest::kHalf : Rest::kAboveHalf);
 }
 
-// The usual magnitudes (1e-3 to 1e5) need 64 bits only: m * 5^s stays below
-// 2^64 for s up to 17.
-constexpr int kMaxNarrowFivePower = 17;
-
-Scaled scale(uint32_t m, int e, int s)
+// m * 2^e * 10^s in 128 bits: exact for the mantissas of floats and of
+// doubles, as long as m * 5^s, m * 2^e and 10^-s * 2^-e all stay below 2^128
+// (the callers keep e and s within that).
+Scaled scaleWide(uint64_t m, int e, int s)
 {
     if (s >= 0)
     {
         // 10^s = 5^s * 2^s: the product by 5^s is exact, the power of two
         // a shift.
         int shift = e + s;
-        if (s <= kMaxNarrowFivePower && shift > -64)
-        {
-            uint64_t product = m * static_cast<uint64_t>(kFive.value[s]);
-            if (shift >= 0)
-                return {product << shift, Rest::kZero};
-            uint64_t whole = product >> -shift;
-            return {whole,
-                    classify(product - (whole << -shift),
-                             uint64_t(1) << (-shift - 1))};
-        }
         Wide product = m * kFive.value[s];
         if (shift >= 0)
             return {static_cast<uint64_t>(product << shift), Rest::kZero};
@@ -117,6 +112,23 @@ Scaled scale(uint32_t m, int e, int s)
     Wide rest = numerator - whole * denominator;
     // rest / denominator against one half, without halving.
     return {static_cast<uint64_t>(whole), classify(2 * rest, denominator)};
+}
+
+// The usual magnitudes of floats (1e-3 to 1e5) need 64 bits only: m * 5^s
+// stays below 2^64 for s up to 17.
+constexpr int kMaxNarrowFivePower = 17;
+
+Scaled scale(uint32_t m, int e, int s)
+{
+    int shift = e + s;
+    if (s < 0 || s > kMaxNarrowFivePower || shift <= -64)
+        return scaleWide(m, e, s);
+    uint64_t product = m * static_cast<uint64_t>(kFive.value[s]);
+    if (shift >= 0)
+        return {product << shift, Rest::kZero};
+    uint64_t whole = product >> -shift;
+    return {whole,
+            classify(product - (whole << -shift), uint64_t(1) << (-shift - 1))};
 }
 
 // The same value at one decimal digit less: the dropped digit and the rest
@@ -208,6 +220,27 @@ char* layOut(char* out, uint32_t n, int exponent)
     return out + count + 1;
 }
 
+// Six digits from the scaled value, whose first digit stands at 10^exponent
+// or, when the estimate of the exponent was one short, at 10^(exponent + 1).
+char* roundAndLayOut(char* out, Scaled scaled, int exponent)
+{
+    if (scaled.whole >= kOneMillion)
+    {
+        scaled = dropDigit(scaled);
+        ++exponent;
+    }
+    auto n = static_cast<uint32_t>(scaled.whole);
+    if (scaled.rest == Rest::kAboveHalf ||
+        (scaled.rest == Rest::kHalf && (n & 1)))
+        ++n;
+    if (n == kOneMillion) // 999999.5 and up round to the next power of ten
+    {
+        n = kLeastSixDigits;
+        ++exponent;
+    }
+    return layOut(out, n, exponent);
+}
+
 } // namespace
 
 char* KtFormatFloat(char* out, float value)
@@ -232,25 +265,29 @@ char* KtFormatFloat(char* out, float value)
     uint32_t m = biased ? fraction | 0x800000 : fraction;
     int e = biased ? biased - 150 : -149;
     int exponent = floorLog10OfPowerOfTwo(e + bitLength(m) - 1);
-    Scaled scaled = scale(m, e, kDigits - 1 - exponent);
-    // The estimate may be one short: m * 2^e may reach the next power of ten
-    // within its binary power of two.
-    if (scaled.whole >= kOneMillion)
-    {
-        scaled = dropDigit(scaled);
-        ++exponent;
-    }
+    return roundAndLayOut(out, scale(m, e, kDigits - 1 - exponent), exponent);
+}
 
-    auto n = static_cast<uint32_t>(scaled.whole);
-    if (scaled.rest == Rest::kAboveHalf ||
-        (scaled.rest == Rest::kHalf && (n & 1)))
-        ++n;
-    if (n == kOneMillion) // 999999.5 and up round to the next power of ten
+char* KtFormatDouble(char* out, double value)
+{
+    uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    int biased = static_cast<int>((bits >> 52) & 0x7ff);
+    if (biased < kDoubleBias - kMaxDoubleBinaryExponent ||
+        biased >= kDoubleBias + kMaxDoubleBinaryExponent)
     {
-        n = kLeastSixDigits;
-        ++exponent;
+        // Zero, subnormals, the extremes and non-finite values: rare
+        // enough for printf, which gives the same text.
+        int length = std::snprintf(out, kKtFloatTextSize, "%g", value);
+        return out + length;
     }
-    return layOut(out, n, exponent);
+    if (bits >> 63)
+        *out++ = '-';
+    uint64_t m = (bits & 0xfffffffffffffULL) | (uint64_t(1) << 52);
+    int e = biased - kDoubleBias - 52;
+    int exponent = floorLog10OfPowerOfTwo(e + 52);
+    return roundAndLayOut(
+        out, scaleWide(m, e, kDigits - 1 - exponent), exponent);
 }
 
 bool KtStreamFormatsFloatsByDefault(const std::ostream& out)
