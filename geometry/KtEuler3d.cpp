@@ -29,10 +29,19 @@ bool isCyclic(const int (&order)[3])
     return order[1] == order[0] % 3 + 1;
 }
 
-// The angle moved by whole turns to within half a turn of near.
+// The angle moved by whole turns to within half a turn of near. A curve's
+// angles are nearly always within one turn of it: those are kept as they
+// are, or moved by one turn, sparing the slow remainder.
 double nearestTurn(double angle, double near)
 {
-    return near + std::remainder(angle - near, kTwoPi);
+    double difference = angle - near;
+    if (std::fabs(difference) <= kKtPi)
+        return angle;
+    if (difference > kKtPi && difference <= 3 * kKtPi)
+        return angle - kTwoPi;
+    if (difference < -kKtPi && difference >= -3 * kKtPi)
+        return angle + kTwoPi;
+    return near + std::remainder(difference, kTwoPi);
 }
 
 double squaredDistance(const KtVec3d& a, const KtVec3d& b)

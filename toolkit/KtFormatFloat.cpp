@@ -131,6 +131,24 @@ Scaled scale(uint32_t m, int e, int s)
             classify(product - (whole << -shift), uint64_t(1) << (-shift - 1))};
 }
 
+// The usual magnitudes of doubles (1e-4 to 1e6) scale by 5^s of 64 bits
+// and keep their integer part and their rest within the two 64-bit halves
+// of the product: a shift of 1 to 63 bits splits it.
+constexpr int kMaxNarrowDoubleFivePower = 27;
+
+Scaled scale(uint64_t m, int e, int s)
+{
+    int drop = -(e + s);
+    if (s < 0 || s > kMaxNarrowDoubleFivePower || drop < 1 || drop > 63)
+        return scaleWide(m, e, s);
+    Wide product = m * static_cast<Wide>(static_cast<uint64_t>(kFive.value[s]));
+    auto high = static_cast<uint64_t>(product >> 64);
+    auto low = static_cast<uint64_t>(product);
+    uint64_t whole = (high << (64 - drop)) | (low >> drop);
+    uint64_t rest = low & ((uint64_t(1) << drop) - 1);
+    return {whole, classify(rest, uint64_t(1) << (drop - 1))};
+}
+
 // The same value at one decimal digit less: the dropped digit and the rest
 // below it decide the new rest.
 Scaled dropDigit(Scaled scaled)
@@ -272,12 +290,15 @@ char* KtFormatDouble(char* out, double value)
 {
     uint64_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
+    // Zero of either sign reads as the float's.
+    if ((bits << 1) == 0)
+        return KtFormatFloat(out, static_cast<float>(value));
     int biased = static_cast<int>((bits >> 52) & 0x7ff);
     if (biased < kDoubleBias - kMaxDoubleBinaryExponent ||
         biased >= kDoubleBias + kMaxDoubleBinaryExponent)
     {
-        // Zero, subnormals, the extremes and non-finite values: rare
-        // enough for printf, which gives the same text.
+        // Subnormals, the extremes and non-finite values: rare enough for
+        // printf, which gives the same text.
         int length = std::snprintf(out, kKtFloatTextSize, "%g", value);
         return out + length;
     }
@@ -286,8 +307,7 @@ char* KtFormatDouble(char* out, double value)
     uint64_t m = (bits & 0xfffffffffffffULL) | (uint64_t(1) << 52);
     int e = biased - kDoubleBias - 52;
     int exponent = floorLog10OfPowerOfTwo(e + 52);
-    return roundAndLayOut(
-        out, scaleWide(m, e, kDigits - 1 - exponent), exponent);
+    return roundAndLayOut(out, scale(m, e, kDigits - 1 - exponent), exponent);
 }
 
 bool KtStreamFormatsFloatsByDefault(const std::ostream& out)

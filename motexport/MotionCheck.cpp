@@ -1,0 +1,81 @@
+// The checks of a motion before it is exported.
+#include "motexport/MotionCheck.h"
+
+#include <vector>
+
+#include "amc/KaAMC.h"
+#include "pose/BodyTable.h"
+#include "toolkit/KtError.h"
+
+namespace
+{
+
+// The first frame's lines that no body takes.
+void warnUnusedLines(BodyTable& bodies, const KaAMC& amc)
+{
+    const KaAMCField& first = amc.field(0);
+    bodies.bind(first);
+    std::vector<bool> used(first.numBones(), false);
+    for (int body = 0; body < bodies.count(); ++body)
+        if (const KaAMCBone* values = bodies.values(body))
+            used[values - &first.bone(0)] = true;
+    const KtDArray<KtStr>& names = amc.boneNames();
+    for (int line = 0; line < first.numBones(); ++line)
+    {
+        if (used[line])
+            continue;
+        int earlier = 0;
+        while (earlier < line && names[earlier].iCmp(names[line].text()) != 0)
+            ++earlier;
+        if (earlier == line)
+            KtWarning("Bone \"%s\" of the AMC is not in the ASF: its values "
+                      "are left out.",
+                      names[line].text());
+        else if (used[earlier])
+            KtWarning("Bone \"%s\" has more than one line in a frame of the "
+                      "AMC: only the first is used.",
+                      names[line].text());
+    }
+}
+
+bool checkValueCounts(BodyTable& bodies, const KaAMC& amc)
+{
+    for (int frame = 0; frame < amc.numFields(); ++frame)
+    {
+        bodies.bind(amc.field(frame));
+        for (int body = 0; body < bodies.count(); ++body)
+        {
+            const KaAMCBone* values = bodies.values(body);
+            if (values && values->numValues() != bodies.numCodes(body))
+            {
+                KtError("Bone \"%s\" has %d dofs in the ASF, but %d values "
+                        "in frame %d of the AMC.",
+                        bodies.name(body),
+                        bodies.numCodes(body),
+                        values->numValues(),
+                        amc.field(frame).frameNumber());
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+void warnAboutBoneLines(const KaASF& asf, const KaAMC& amc)
+{
+    if (amc.numFields() == 0)
+    {
+        KtWarning("The AMC specifies no frames of data.");
+        return;
+    }
+    BodyTable bodies(asf, &amc.boneNames());
+    warnUnusedLines(bodies, amc);
+}
+
+bool checkMotionValues(const KaASF& asf, const KaAMC& amc)
+{
+    BodyTable bodies(asf, &amc.boneNames());
+    return checkValueCounts(bodies, amc);
+}
