@@ -10,10 +10,11 @@ FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 
 BUILD_PACKAGES := cmake g++ make
-TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs
+TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs \
+                  python3-numpy python3-pandas
 FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
 FUZZ_TARGETS   := skeleton motion conversion
-DEMO_OUTPUTS   := walk.mel walk.mov
+DEMO_OUTPUTS   := walk.mel walk.mov walk.bvh walk.csv
 
 .PHONY: all build test demo demo-check bench verify-format fuzz format format-check clean
 
@@ -29,6 +30,8 @@ demo: build
 	mkdir -p out
 	$(BUILD_DIR)/app/motbake -f examples/human.asf examples/walk.amc 30 \
 	    out/walk.mel out/walk.mov
+	$(BUILD_DIR)/motexport/motexport -f examples/human.asf examples/walk.amc 30 \
+	    out/walk.bvh out/walk.csv
 
 # The Release build that users run: the demo's outputs must equal the
 # expected files byte for byte.

@@ -1,4 +1,4 @@
-// Runs the built motbake binary: fork, exec, collect, wait.
+// Runs a built program: fork, exec, collect, wait.
 #include "e2e/e2e_runner.h"
 
 #include <cstdio>
@@ -13,6 +13,14 @@ RunResult runMotbake(const std::vector<std::string>& args,
                      const std::string& input,
                      const std::string& workDir)
 {
+    return runProgram(MOTBAKE_BIN, args, input, workDir);
+}
+
+RunResult runProgram(const std::string& program,
+                     const std::vector<std::string>& args,
+                     const std::string& input,
+                     const std::string& workDir)
+{
     TempDir io;
     std::string inPath = io.file("stdin");
     std::string outPath = io.file("stdout");
@@ -20,8 +28,8 @@ RunResult runMotbake(const std::vector<std::string>& args,
     writeFile(inPath, input);
 
     std::vector<char*> argv;
-    std::string program = MOTBAKE_BIN;
-    argv.push_back(&program[0]);
+    std::string path = program;
+    argv.push_back(&path[0]);
     std::vector<std::string> copies(args);
     for (std::string& arg : copies)
         argv.push_back(&arg[0]);

@@ -1,4 +1,5 @@
-// Runs the built motbake binary with given arguments and standard input.
+// Runs a built program of the toolset with given arguments and standard
+// input.
 #pragma once
 
 #include <string>
@@ -11,8 +12,14 @@ struct RunResult
     std::string err;
 };
 
-// Runs MOTBAKE_BIN in workDir (the current directory when empty) with the
+// Runs the program in workDir (the current directory when empty) with the
 // given standard input, collecting both output streams.
+RunResult runProgram(const std::string& program,
+                     const std::vector<std::string>& args,
+                     const std::string& input = "",
+                     const std::string& workDir = "");
+
+// runProgram of MOTBAKE_BIN.
 RunResult runMotbake(const std::vector<std::string>& args,
                      const std::string& input = "",
                      const std::string& workDir = "");
