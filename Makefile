@@ -14,7 +14,7 @@ TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-pr
                   python3-numpy python3-pandas
 FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
 FUZZ_TARGETS   := skeleton motion conversion
-DEMO_OUTPUTS   := walk.mel walk.mov walk.bvh walk.csv
+DEMO_OUTPUTS   := walk.mel walk.mov human_rig.mel walk.bvh walk.csv
 
 .PHONY: all build test demo demo-check bench verify-format fuzz format format-check clean
 
@@ -25,11 +25,13 @@ build:
 	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Release -DMOTBAKE_BUILD_TESTS=OFF
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
-# Converts the bundled example into out/, showing the progress lines.
+# Converts the bundled example into out/, showing the progress lines, and
+# writes the rig script of its skeleton.
 demo: build
 	mkdir -p out
 	$(BUILD_DIR)/app/motbake -f examples/human.asf examples/walk.amc 30 \
 	    out/walk.mel out/walk.mov
+	$(BUILD_DIR)/rigbake/rigbake -f examples/human.asf out/human_rig.mel
 	$(BUILD_DIR)/motexport/motexport -f examples/human.asf examples/walk.amc 30 \
 	    out/walk.bvh out/walk.csv
 

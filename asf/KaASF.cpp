@@ -1,4 +1,5 @@
-// KaASF: the skeleton document's tables, lookups and deep copy.
+// KaASF: the skeleton document's tables, lookups and deep copy, and its
+// reading entry points (files and streams).
 #include "asf/KaASF.h"
 
 #include <string>
@@ -6,8 +7,15 @@
 #include <utility>
 #include <vector>
 
+#include "asf/KaASFReader.h"
+#include "toolkit/KtCompStream.h"
+#include "toolkit/KtError.h"
+
 namespace
 {
+
+// fileContainsASF reads the rest of a compressed file in pieces of this size.
+constexpr size_t kDrainChunk = 1024;
 
 template <class T>
 void deleteAll(KtList<T*>& items)
@@ -298,4 +306,75 @@ bool KaASF::_bonesUseGroupDOFs() const
         if (bone->dofGroup().hasGroupDOFs())
             return true;
     return false;
+}
+
+// -------------------------------------------------------------- reading
+
+// A new read starts from an empty document, so nothing of an earlier file
+// (its units, say) carries over.
+void KaASF::scanFrom(std::istream& in)
+{
+    _clear();
+    _header = KaASFHeader();
+    _root = KaASFRoot();
+    KaASFReadDocument(in, this);
+}
+
+void KaASF::read(const char* path)
+{
+    if (!path)
+        path = "";
+    KtCompIFStream in;
+    in.open(path);
+    if (!in.good() || theExceptObj.errorOccurred())
+    {
+        // The stream records why it failed; a failure is never silent.
+        if (!theExceptObj.errorOccurred())
+            KtError("Unable to open '%s'.", path);
+        _clear();
+        return;
+    }
+    scanFrom(in);
+    // A decompression command that failed has cut the text short, though
+    // what came through may read as a whole skeleton.
+    in.close();
+    if (!theExceptObj.errorOccurred())
+        return;
+    _clear();
+    KtError("Unable to read '%s'.", path);
+}
+
+int KaASF::streamContainsASF(std::istream& in,
+                             int* internalFlag,
+                             float* version)
+{
+    return KaASFReadHeader(in, internalFlag, version) ? 1 : 0;
+}
+
+// A decompressing command must be able to write all its output before the
+// stream closes, so a compressed file is read to its end.
+int KaASF::fileContainsASF(const char* path)
+{
+    if (!path)
+        path = "";
+    KtCompIFStream in;
+    in.open(path);
+    if (!in.good())
+    {
+        KtError("Unable to open '%s'.", path);
+        return 0;
+    }
+    if (!streamContainsASF(in, nullptr, nullptr))
+    {
+        KtError("Unable to read \"%s\".", path);
+        return 0;
+    }
+    if (in.compressed())
+    {
+        char buffer[kDrainChunk];
+        while (in.read(buffer, sizeof buffer))
+        {
+        }
+    }
+    return 1;
 }

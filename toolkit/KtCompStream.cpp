@@ -11,6 +11,7 @@
 #include "toolkit/KtError.h"
 #include "toolkit/KtFile.h"
 #include "toolkit/KtStr.h"
+#include "toolkit/Kt_CompPipe.h"
 
 namespace
 {
@@ -177,6 +178,7 @@ int KtCompOFStream::_next_instance = 0;
 
 KtCompIFStream::KtCompIFStream()
     : _instance(_next_instance++)
+    , _pipe(std::make_unique<Kt_CompPipe>())
 {
 }
 
@@ -227,7 +229,7 @@ void KtCompIFStream::_close(bool checkCommand)
     bool atEnd = _tool && is_open() &&
                  traits_type::eq_int_type(rdbuf()->sgetc(), traits_type::eof());
     std::ifstream::close();
-    int status = _pipe.finish(!atEnd);
+    int status = _pipe->finish(!atEnd);
     _removeNamedPipe();
     if (checkCommand && atEnd && status != 0)
     {
@@ -261,7 +263,7 @@ void KtCompIFStream::_openCompressed(const char* file, const char* type)
         return _abandon();
     std::ifstream::open(pipe, std::ios_base::in);
     int error = errno;
-    _pipe.releaseGuards();
+    _pipe->releaseGuards();
     // Both ends are open: the name has served its purpose, and removing it
     // now leaves nothing behind even if the process ends abruptly.
     _removeNamedPipe();
@@ -274,7 +276,7 @@ void KtCompIFStream::_openCompressed(const char* file, const char* type)
 
 void KtCompIFStream::_createNamedPipe()
 {
-    createNamedPipe(_pipe, kInputPipeStem, _instance);
+    createNamedPipe(*_pipe, kInputPipeStem, _instance);
 }
 
 const char* KtCompIFStream::_spawnUncompress(const char* file, const char* type)
@@ -287,7 +289,7 @@ const char* KtCompIFStream::_spawnUncompress(const char* file, const char* type)
     KtStr argument = commandArgument(file);
     const char* argv[] = {
         compression->inputTool, compression->inputFlag, argument, nullptr};
-    int error = _pipe.startWriting(toolPath, argv);
+    int error = _pipe->startWriting(toolPath, argv);
     if (error)
     {
         reportSpawnFailure(error);
@@ -295,18 +297,18 @@ const char* KtCompIFStream::_spawnUncompress(const char* file, const char* type)
     }
     _tool = compression->inputTool;
     _file = file;
-    return _pipe.name();
+    return _pipe->name();
 }
 
 void KtCompIFStream::_removeNamedPipe()
 {
-    _pipe.remove();
+    _pipe->remove();
 }
 
 // Ends a failed open: no command or pipe outlives it.
 void KtCompIFStream::_abandon()
 {
-    _pipe.finish(true);
+    _pipe->finish(true);
     _removeNamedPipe();
     _tool = nullptr;
     setstate(std::ios_base::failbit);
@@ -314,6 +316,8 @@ void KtCompIFStream::_abandon()
 
 KtCompOFStream::KtCompOFStream()
     : _instance(_next_instance++)
+    , _pipe(std::make_unique<Kt_CompPipe>())
+    , _pipeBuffer(std::make_unique<Kt_PipeWriteBuf>())
 {
 }
 
@@ -325,7 +329,7 @@ KtCompOFStream::~KtCompOFStream()
 
 bool KtCompOFStream::is_open() const
 {
-    return _pipeBuffer.isOpen() || std::ofstream::is_open();
+    return _pipeBuffer->isOpen() || std::ofstream::is_open();
 }
 
 // A plain file is opened even when its check failed; the stream stays failed
@@ -350,12 +354,12 @@ void KtCompOFStream::open(const char* path, std::ios_base::openmode mode)
 
 void KtCompOFStream::close()
 {
-    if (!_pipeBuffer.isOpen())
+    if (!_pipeBuffer->isOpen())
         return std::ofstream::close();
     std::ios_base::iostate state = rdstate();
-    bool written = _pipeBuffer.close();
+    bool written = _pipeBuffer->close();
     std::ios::rdbuf(std::ofstream::rdbuf());
-    int status = _pipe.finish(false);
+    int status = _pipe->finish(false);
     bool compressed = status == 0 || status == _alsoComplete;
     _removeNamedPipe();
     clear(state);
@@ -376,20 +380,20 @@ void KtCompOFStream::_openCompressed(const char* file, const char* type)
     const char* pipe = _spawnCompress(file, type);
     if (!pipe)
         return _abandon();
-    int error = _pipeBuffer.open(pipe);
-    _pipe.releaseGuards();
+    int error = _pipeBuffer->open(pipe);
+    _pipe->releaseGuards();
     _removeNamedPipe();
     if (error)
     {
         reportSpawnFailure(error);
         return _abandon();
     }
-    std::ios::rdbuf(&_pipeBuffer);
+    std::ios::rdbuf(_pipeBuffer.get());
 }
 
 void KtCompOFStream::_createNamedPipe()
 {
-    createNamedPipe(_pipe, kOutputPipeStem, _instance);
+    createNamedPipe(*_pipe, kOutputPipeStem, _instance);
 }
 
 // The command reads the pipe and writes the file, which is opened (and
@@ -410,23 +414,23 @@ const char* KtCompOFStream::_spawnCompress(const char* file, const char* type)
     _alsoComplete = compression->outputAlsoComplete;
     const char* argv[] = {
         compression->outputTool, compression->outputFlag, nullptr};
-    int error = _pipe.startReading(toolPath, argv, output);
+    int error = _pipe->startReading(toolPath, argv, output);
     if (error)
     {
         reportSpawnFailure(error);
         return nullptr;
     }
-    return _pipe.name();
+    return _pipe->name();
 }
 
 void KtCompOFStream::_removeNamedPipe()
 {
-    _pipe.remove();
+    _pipe->remove();
 }
 
 void KtCompOFStream::_abandon()
 {
-    _pipe.finish(true);
+    _pipe->finish(true);
     _removeNamedPipe();
     setstate(std::ios_base::failbit);
 }

@@ -4,9 +4,14 @@
 
 #include <fstream>
 #include <functional>
+#include <memory>
 
 #include "toolkit/KtStr.h"
-#include "toolkit/Kt_CompPipe.h"
+
+// The named pipe and command behind a compressed stream, and the buffer that
+// writes into such a pipe; only the streams' own source sees them.
+class Kt_CompPipe;
+class Kt_PipeWriteBuf;
 
 // Opens a file for reading; when the name ends in ".Z", ".gz" or ".jpeg"
 // (or only such a sibling of the named file exists) the data is read through
@@ -46,7 +51,7 @@ private:
 
     int _instance;
     int _compressed = 0;
-    Kt_CompPipe _pipe;
+    std::unique_ptr<Kt_CompPipe> _pipe;
     // The running decompression command and its file, for the message when
     // it fails.
     const char* _tool = nullptr;
@@ -88,8 +93,8 @@ private:
     int _instance;
     // An exit status of the compressor that, like 0, means success.
     int _alsoComplete = 0;
-    Kt_CompPipe _pipe;
-    Kt_PipeWriteBuf _pipeBuffer;
+    std::unique_ptr<Kt_CompPipe> _pipe;
+    std::unique_ptr<Kt_PipeWriteBuf> _pipeBuffer;
     static int _next_instance;
 };
 

@@ -9,27 +9,16 @@ KtFloatWriter::KtFloatWriter(std::ostream& out)
 {
 }
 
-template <class Number>
-void KtFloatWriter::_number(Number value, char* (*format)(char*, Number))
+void KtFloatWriter::_slowNumber(float value)
 {
-    _makeRoom();
-    if (_fast)
-    {
-        _end = format(_end, value);
-        return;
-    }
     flush();
     _out << value;
 }
 
-void KtFloatWriter::number(float value)
+void KtFloatWriter::_slowNumber(double value)
 {
-    _number(value, KtFormatFloat);
-}
-
-void KtFloatWriter::number(double value)
-{
-    _number(value, KtFormatDouble);
+    flush();
+    _out << value;
 }
 
 void KtFloatWriter::flush()

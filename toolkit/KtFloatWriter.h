@@ -8,8 +8,8 @@
 
 // Numbers take KtFormatFloat's (KtFormatDouble's) text when the stream would
 // write the same (its default format); otherwise the stream's own insertion
-// writes them, so the text never depends on which path was taken. Whatever is collected
-// reaches the stream at the latest on flush() or destruction.
+// writes them, so the text never depends on which path was taken. Whatever
+// is collected reaches the stream at the latest on flush() or destruction.
 class KtFloatWriter
 {
 public:
@@ -18,8 +18,22 @@ public:
     KtFloatWriter(const KtFloatWriter&) = delete;
     KtFloatWriter& operator=(const KtFloatWriter&) = delete;
 
-    void number(float value);
-    void number(double value);
+    void number(float value)
+    {
+        _makeRoom();
+        if (_fast)
+            _end = KtFormatFloat(_end, value);
+        else
+            _slowNumber(value);
+    }
+    void number(double value)
+    {
+        _makeRoom();
+        if (_fast)
+            _end = KtFormatDouble(_end, value);
+        else
+            _slowNumber(value);
+    }
     void character(char c)
     {
         _makeRoom();
@@ -31,8 +45,8 @@ private:
     // Text is handed to the stream in blocks of about this size.
     static constexpr int kBlockSize = 1 << 16;
 
-    template <class Number>
-    void _number(Number value, char* (*format)(char*, Number));
+    void _slowNumber(float value);
+    void _slowNumber(double value);
     void _makeRoom()
     {
         if (_end - _block >= kBlockSize)

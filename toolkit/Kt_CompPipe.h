@@ -1,5 +1,6 @@
 // The named pipe and the background (de)compression command behind one
-// compressed file stream, and the buffer that writes into such a pipe.
+// compressed file stream, and the buffer that writes into such a pipe;
+// included only by the streams' source, never by their callers.
 #pragma once
 
 #include <streambuf>

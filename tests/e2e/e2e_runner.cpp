@@ -1,4 +1,4 @@
-// Runs a built program: fork, exec, collect, wait.
+// Runs the built programs: fork, exec, collect, wait.
 #include "e2e/e2e_runner.h"
 
 #include <cstdio>
@@ -8,13 +8,6 @@
 #include <unistd.h>
 
 #include "support/test_helpers.h"
-
-RunResult runMotbake(const std::vector<std::string>& args,
-                     const std::string& input,
-                     const std::string& workDir)
-{
-    return runProgram(MOTBAKE_BIN, args, input, workDir);
-}
 
 RunResult runProgram(const std::string& program,
                      const std::vector<std::string>& args,
@@ -58,4 +51,17 @@ RunResult runProgram(const std::string& program,
     result.out = readFile(outPath);
     result.err = readFile(errPath);
     return result;
+}
+
+RunResult runMotbake(const std::vector<std::string>& args,
+                     const std::string& input,
+                     const std::string& workDir)
+{
+    return runProgram(MOTBAKE_BIN, args, input, workDir);
+}
+
+RunResult runRigbake(const std::vector<std::string>& args,
+                     const std::string& input)
+{
+    return runProgram(RIGBAKE_BIN, args, input);
 }

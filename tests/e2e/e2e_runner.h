@@ -1,5 +1,4 @@
-// Runs a built program of the toolset with given arguments and standard
-// input.
+// Runs the built programs with given arguments and standard input.
 #pragma once
 
 #include <string>
@@ -19,7 +18,9 @@ RunResult runProgram(const std::string& program,
                      const std::string& input = "",
                      const std::string& workDir = "");
 
-// runProgram of MOTBAKE_BIN.
+// The same for MOTBAKE_BIN and RIGBAKE_BIN.
 RunResult runMotbake(const std::vector<std::string>& args,
                      const std::string& input = "",
                      const std::string& workDir = "");
+RunResult runRigbake(const std::vector<std::string>& args,
+                     const std::string& input = "");
