@@ -26,7 +26,7 @@ build:
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
 # Converts the bundled example into out/, showing the progress lines, and
-# writes the rig script of its skeleton.
+# writes the rig script of its skeleton and the BVH and CSV exports.
 demo: build
 	mkdir -p out
 	$(BUILD_DIR)/app/motbake -f examples/human.asf examples/walk.amc 30 \

@@ -167,6 +167,7 @@ KaAMC::KaAMC(const KaAMC& other)
     , _units(other._units)
     , _boneNames(other._boneNames)
     , _fields(other._fields)
+    , _lineMismatch(other._lineMismatch)
 {
     if (_boneNames.count() > 0)
         _pointFieldsAtNames();
@@ -180,6 +181,7 @@ KaAMC& KaAMC::operator=(const KaAMC& other)
         _units = other._units;
         _boneNames = other._boneNames;
         _fields = other._fields;
+        _lineMismatch = other._lineMismatch;
         if (_boneNames.count() > 0)
             _pointFieldsAtNames();
     }
@@ -193,6 +195,7 @@ KaAMC::KaAMC(KaAMC&& other) noexcept
     , _units(other._units)
     , _boneNames(std::move(other._boneNames))
     , _fields(std::move(other._fields))
+    , _lineMismatch(other._lineMismatch)
 {
     for (KaAMCField& field : _fields)
         if (field._boneNames == &other._boneNames)
@@ -207,6 +210,7 @@ KaAMC& KaAMC::operator=(KaAMC&& other) noexcept
         _units = other._units;
         _boneNames = std::move(other._boneNames);
         _fields = std::move(other._fields);
+        _lineMismatch = other._lineMismatch;
         other._clear();
         for (KaAMCField& field : _fields)
             if (field._boneNames == &other._boneNames)
@@ -219,6 +223,7 @@ void KaAMC::_clear()
 {
     _boneNames._clear();
     _fields._clear();
+    _lineMismatch = KaAMCLineMismatch();
 }
 
 void KaAMC::_pointFieldsAtNames()
@@ -232,12 +237,14 @@ void KaAMC::_pointFieldsAtNames()
 void KaAMC::setBoneNames(const KtArray<KtStr>& names)
 {
     _boneNames = names;
+    _lineMismatch = KaAMCLineMismatch();
     _pointFieldsAtNames();
 }
 
 void KaAMC::setBoneNames(const KtList<KtStr>& names)
 {
     _boneNames._resize(names.count());
+    _lineMismatch = KaAMCLineMismatch();
     int i = 0;
     for (const KtStr& name : names)
         _boneNames[i++] = name;
@@ -249,6 +256,7 @@ void KaAMC::setBoneNames(const KtList<KtStr>& names)
 void KaAMC::setFields(const KtArray<KaAMCField>& fields)
 {
     _fields = fields;
+    _lineMismatch = KaAMCLineMismatch();
     if (_boneNames.count() > 0)
         _pointFieldsAtNames();
 }

@@ -104,6 +104,15 @@ private:
     KtDArray<KaAMCBone> _bones;
 };
 
+// Where the bone lines of a later field first part from the first field's.
+struct KaAMCLineMismatch
+{
+    int field = -1; // the field's index; -1 when every field matches
+    int line = -1;  // the position of the first line that differs
+    // The field's name at that line; empty when the field ends before it.
+    KtStr name;
+};
+
 // The document. Reading and writing report failures through the error
 // handler (KtError) and return normally.
 class KaAMC
@@ -129,6 +138,12 @@ public:
 
     // The bone names in the order of the first field.
     const KtDArray<KtStr>& boneNames() const { return _boneNames; }
+    // The first later field, as read, whose bone lines are not the first
+    // field's in the same order: a name that differs ignoring case, or more
+    // or fewer lines. Such a field is still read by position, as every field
+    // is; this only tells. Emptied with the fields, and by setBoneNames and
+    // setFields.
+    const KaAMCLineMismatch& lineMismatch() const { return _lineMismatch; }
     int numFields() const { return _fields.count(); }
     const KaAMCField& field(int i) const { return _fields[i]; }
     KaAMCField& field(int i) { return _fields[i]; }
@@ -178,4 +193,5 @@ private:
     int _units = 1;
     KtDArray<KtStr> _boneNames;
     KtDArray<KaAMCField> _fields;
+    KaAMCLineMismatch _lineMismatch;
 };

@@ -226,13 +226,58 @@ public:
     // With names, each bone's name is stored at its position.
     void readField(KaAMCField& field, KtDArray<KtStr>* names);
     void readBone(KaAMCBone& bone);
+    // The fields read from now on, counted from 1, are compared with the
+    // first field's names; the first that differs is recorded in mismatch.
+    void compareWith(const KtArray<KtStr>& firstNames,
+                     KaAMCLineMismatch* mismatch);
 
 private:
     int _readBones(KaAMCField& field, KtDArray<KtStr>* names);
+    void _compareLine(int line, const char* name);
+    void _compareCount(int count);
 
     Source _source;
     KtDArray<KaAMCBone> _lines;
+    const KtArray<KtStr>* _firstNames = nullptr;
+    KaAMCLineMismatch* _mismatch = nullptr;
+    int _fieldIndex = 0;
 };
+
+template <class Source>
+void KaAMCFieldReader<Source>::compareWith(const KtArray<KtStr>& firstNames,
+                                           KaAMCLineMismatch* mismatch)
+{
+    _firstNames = &firstNames;
+    _mismatch = mismatch;
+    _fieldIndex = 1;
+}
+
+// Only the first difference is kept, so a motion whose fields all match
+// costs one comparison of names per line, and one that differs less.
+template <class Source>
+void KaAMCFieldReader<Source>::_compareLine(int line, const char* name)
+{
+    if (!_mismatch || _mismatch->field >= 0)
+        return;
+    if (line < _firstNames->count())
+    {
+        const KtStr& first = (*_firstNames)[line];
+        if (std::strcmp(first.text(), name) == 0 || first.iCmp(name) == 0)
+            return;
+    }
+    _mismatch->field = _fieldIndex;
+    _mismatch->line = line;
+    _mismatch->name = name;
+}
+
+template <class Source>
+void KaAMCFieldReader<Source>::_compareCount(int count)
+{
+    if (!_mismatch || _mismatch->field >= 0 || count >= _firstNames->count())
+        return;
+    _mismatch->field = _fieldIndex;
+    _mismatch->line = count;
+}
 
 template <class Source>
 void KaAMCFieldReader<Source>::readBone(KaAMCBone& bone)
@@ -278,6 +323,8 @@ void KaAMCFieldReader<Source>::readField(KaAMCField& field,
         return;
     }
     int count = _readBones(field, names);
+    _compareCount(count);
+    ++_fieldIndex;
     if (names)
         names->_resize(count);
     field._bones._resize(count);
@@ -339,6 +386,8 @@ int KaAMCFieldReader<Source>::_readBones(KaAMCField& field,
                 names->_resize(grown(names->count(), kNameChunk));
             (*names)[count] = name;
         }
+        else
+            _compareLine(count, name);
         if (count >= _lines.count())
             _lines._resize(grown(_lines.count(), kBoneChunk));
         readBone(_lines[count]);
@@ -512,14 +561,18 @@ void KaAMC::_scanFrom(std::istream& in, int maxFields)
     }
 }
 
-// The first field names the bones for all others.
+// The first field names the bones for all others, which are compared with
+// it.
 template <class Reader>
 void KaAMC::_scanFields(Reader& reader, int maxFields)
 {
     FieldBlocks fields;
+    _lineMismatch = KaAMCLineMismatch();
     for (int n = 0;;)
     {
         reader.readField(fields.append(), n == 0 ? &_boneNames : nullptr);
+        if (n == 0)
+            reader.compareWith(_boneNames, &_lineMismatch);
         ++n;
         // A failure seen at the end of the file keeps what was read.
         if (reader.stream().eof())

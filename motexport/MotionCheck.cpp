@@ -38,6 +38,39 @@ void warnUnusedLines(BodyTable& bodies, const KaAMC& amc)
     }
 }
 
+// Later frames are read by position: one whose lines differ would give its
+// values to the wrong bones.
+bool checkLineOrder(const KaAMC& amc)
+{
+    const KaAMCLineMismatch& mismatch = amc.lineMismatch();
+    if (mismatch.field < 0)
+        return true;
+    const int frame = amc.field(mismatch.field).frameNumber();
+    const KtDArray<KtStr>& first = amc.boneNames();
+    if (mismatch.line >= first.count())
+        KtError("Frame %d has the bone line \"%s\" past the first frame's "
+                "%d lines.",
+                frame,
+                mismatch.name.text(),
+                first.count());
+    else if (mismatch.name.length() == 0)
+        KtError("Frame %d ends before bone line %d, \"%s\", of the first "
+                "frame.",
+                frame,
+                mismatch.line + 1,
+                first[mismatch.line].text());
+    else
+        KtError("Bone line %d of frame %d is \"%s\" where the first frame "
+                "has \"%s\".",
+                mismatch.line + 1,
+                frame,
+                mismatch.name.text(),
+                first[mismatch.line].text());
+    KtError("Every frame of the AMC must hold the first frame's bone lines in "
+            "the same order.");
+    return false;
+}
+
 bool checkValueCounts(BodyTable& bodies, const KaAMC& amc)
 {
     for (int frame = 0; frame < amc.numFields(); ++frame)
@@ -76,6 +109,8 @@ void warnAboutBoneLines(const KaASF& asf, const KaAMC& amc)
 
 bool checkMotionValues(const KaASF& asf, const KaAMC& amc)
 {
+    if (!checkLineOrder(amc))
+        return false;
     BodyTable bodies(asf, &amc.boneNames());
     return checkValueCounts(bodies, amc);
 }

@@ -51,6 +51,30 @@ TEST(MotexportMotionCheck, RefusesAValueCountThatDiffersFromTheDofs)
               printedChain());
 }
 
+// Each frame's lines are the first frame's, in order, or nothing goes on.
+TEST(MotexportMotionCheck, RefusesFramesWhoseBoneLinesDiffer)
+{
+    const std::string first = "1\nroot 0 0 0 0 0 0\narm 1 2 3\n";
+    const std::string order =
+        "Every frame of the AMC must hold the first frame's bone lines in the "
+        "same order.";
+    // clang-format off
+    const struct { std::string later, err; } cases[] = {
+        {"9\narm 1 2 3\nroot 0 0 0 0 0 0\n",
+         "Bone line 1 of frame 9 is \"arm\" where the first frame has \"root\"."},
+        {"9\nroot 0 0 0 0 0 0\narm 1 2 3\nleg 1\n",
+         "Frame 9 has the bone line \"leg\" past the first frame's 2 lines."},
+        {"9\nroot 0 0 0 0 0 0\n",
+         "Frame 9 ends before bone line 2, \"arm\", of the first frame."}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        EXPECT_FALSE(
+            checkMotionValues(armSkeleton(), motionFrom(first + c.later)));
+        EXPECT_EQ(errorBlock({order.c_str(), c.err.c_str()}), printedChain());
+    }
+}
+
 // A length unit of 0 makes the root's place 0/0 and every length infinite,
 // an axis of inf the bone's rotation NaN: refused at the first frame, before
 // any output.
