@@ -1,9 +1,11 @@
 // The AMC reader: the header check, and the motion, field and bone readers.
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <istream>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "amc/KaAMC.h"
 #include "amc/KaScanFloat.h"
@@ -206,6 +208,101 @@ private:
     int _count = 0;
 };
 
+// The first field's bone names, against which every later line's name is
+// compared while reading. Each name's first kKeyBytes are kept zero-padded
+// as two machine words, so that the usual line, whose name is the one
+// expected and was read into a buffer zeroed as far, compares in two steps:
+// when the words agree and hold the name's end, the names are equal. Longer
+// names, and names that differ in letter case, go the long way. Only the
+// first difference is recorded.
+class LineNames
+{
+public:
+    static constexpr int kKeyBytes = 16;
+
+    void start(const KtArray<KtStr>& names, KaAMCLineMismatch* mismatch)
+    {
+        _mismatch = mismatch;
+        _names = &names;
+        _count = names.count();
+        _fieldIndex = 1;
+        _comparing = mismatch->field < 0;
+    }
+
+    // Before each later field. The keys are made for the first of them
+    // only, so that a motion of one field needs none.
+    void startField()
+    {
+        if (!_names || !_keys.empty() || _count == 0)
+            return;
+        _keys.assign(_count, Key());
+        for (int i = 0; i < _count; ++i)
+            std::memcpy(_keys[i].words,
+                        (*_names)[i].text(),
+                        std::min((*_names)[i].length(), kKeyBytes));
+    }
+
+    // name: zeroed for kKeyBytes before it was read.
+    void compareLine(int line, const char* name)
+    {
+        if (_comparing && !_sameKey(line, name))
+            _compareSlowly(line, name);
+    }
+
+    // At the end of each field: one that ends early differs too.
+    void endField(int count)
+    {
+        if (_comparing && count < _count)
+            _record(count, "");
+        ++_fieldIndex;
+    }
+
+private:
+    // The last byte of the key's second word, which is zero when the name
+    // ends within the key.
+    static constexpr int kLastByteShift = 56;
+
+    struct Key
+    {
+        uint64_t words[2] = {0, 0};
+    };
+
+    bool _sameKey(int line, const char* name) const
+    {
+        if (line >= _count)
+            return false;
+        const Key& key = _keys[line];
+        uint64_t words[2];
+        std::memcpy(words, name, kKeyBytes);
+        return words[0] == key.words[0] && words[1] == key.words[1] &&
+               (key.words[1] >> kLastByteShift) == 0;
+    }
+
+    // Names of more than kKeyBytes - 1 characters, names in another letter
+    // case, and names that differ.
+    void _compareSlowly(int line, const char* name)
+    {
+        if (line >= _count || (*_names)[line].iCmp(name) != 0)
+            _record(line, name);
+    }
+
+    void _record(int line, const char* name)
+    {
+        _mismatch->field = _fieldIndex;
+        _mismatch->line = line;
+        _mismatch->name = name;
+        _comparing = false;
+    }
+
+    KaAMCLineMismatch* _mismatch = nullptr;
+    const KtArray<KtStr>* _names = nullptr;
+    std::vector<Key> _keys;
+    int _count = 0;
+    int _fieldIndex = 0;
+    // Until the first difference.
+    bool _comparing = false;
+};
+
 } // namespace
 
 // ---- The field reader ---------------------------------------------------
@@ -229,55 +326,18 @@ public:
     // The fields read from now on, counted from 1, are compared with the
     // first field's names; the first that differs is recorded in mismatch.
     void compareWith(const KtArray<KtStr>& firstNames,
-                     KaAMCLineMismatch* mismatch);
+                     KaAMCLineMismatch* mismatch)
+    {
+        _lineNames.start(firstNames, mismatch);
+    }
 
 private:
     int _readBones(KaAMCField& field, KtDArray<KtStr>* names);
-    void _compareLine(int line, const char* name);
-    void _compareCount(int count);
 
     Source _source;
     KtDArray<KaAMCBone> _lines;
-    const KtArray<KtStr>* _firstNames = nullptr;
-    KaAMCLineMismatch* _mismatch = nullptr;
-    int _fieldIndex = 0;
+    LineNames _lineNames;
 };
-
-template <class Source>
-void KaAMCFieldReader<Source>::compareWith(const KtArray<KtStr>& firstNames,
-                                           KaAMCLineMismatch* mismatch)
-{
-    _firstNames = &firstNames;
-    _mismatch = mismatch;
-    _fieldIndex = 1;
-}
-
-// Only the first difference is kept, so a motion whose fields all match
-// costs one comparison of names per line, and one that differs less.
-template <class Source>
-void KaAMCFieldReader<Source>::_compareLine(int line, const char* name)
-{
-    if (!_mismatch || _mismatch->field >= 0)
-        return;
-    if (line < _firstNames->count())
-    {
-        const KtStr& first = (*_firstNames)[line];
-        if (std::strcmp(first.text(), name) == 0 || first.iCmp(name) == 0)
-            return;
-    }
-    _mismatch->field = _fieldIndex;
-    _mismatch->line = line;
-    _mismatch->name = name;
-}
-
-template <class Source>
-void KaAMCFieldReader<Source>::_compareCount(int count)
-{
-    if (!_mismatch || _mismatch->field >= 0 || count >= _firstNames->count())
-        return;
-    _mismatch->field = _fieldIndex;
-    _mismatch->line = count;
-}
 
 template <class Source>
 void KaAMCFieldReader<Source>::readBone(KaAMCBone& bone)
@@ -322,9 +382,10 @@ void KaAMCFieldReader<Source>::readField(KaAMCField& field,
         KtError("Unable to read field number.");
         return;
     }
+    if (!names)
+        _lineNames.startField();
     int count = _readBones(field, names);
-    _compareCount(count);
-    ++_fieldIndex;
+    _lineNames.endField(count);
     if (names)
         names->_resize(count);
     field._bones._resize(count);
@@ -361,6 +422,7 @@ int KaAMCFieldReader<Source>::_readBones(KaAMCField& field,
             return count;
 
         char name[kMaxNameLength + 1];
+        std::memset(name, 0, LineNames::kKeyBytes);
         if (!readName(_source, name))
         {
             KtError("The bone name \"%s...\" is longer than %d characters.",
@@ -387,7 +449,7 @@ int KaAMCFieldReader<Source>::_readBones(KaAMCField& field,
             (*names)[count] = name;
         }
         else
-            _compareLine(count, name);
+            _lineNames.compareLine(count, name);
         if (count >= _lines.count())
             _lines._resize(grown(_lines.count(), kBoneChunk));
         readBone(_lines[count]);

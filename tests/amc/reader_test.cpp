@@ -214,7 +214,8 @@ TEST(KaAMCReader, FirstFieldNamesTheBonesOfEveryFieldByPosition)
 
 // Later fields are still read by position; the first one whose lines part
 // from the first field's (a name that differs ignoring case, a line more or
-// less) is told, and only it; a copy keeps it, a new read replaces it.
+// less) is told, and only it; a copy keeps it, a new read replaces it. Names
+// of 15 characters and fewer compare by machine words, longer ones not.
 TEST(KaAMCReader, TellsTheFirstFieldWhoseBoneLinesDiffer)
 {
     // clang-format off
@@ -222,7 +223,10 @@ TEST(KaAMCReader, TellsTheFirstFieldWhoseBoneLinesDiffer)
         {"1\nroot 1\narm 2\n2\nROOT 3\nArm 4\n", -1, -1, ""},
         {"1\nroot 1\narm 2\n2\nroot 3\narm 4\n3\narm 5\nroot 6\n4\nx 1\n", 2, 0, "arm"},
         {"1\nroot 1\narm 2\n2\nroot 3\narm 4\nleg 5\n", 1, 2, "leg"},
-        {"1\nroot 1\narm 2\n2\nroot 3\n3\nroot 3\narm 4\n", 1, 1, ""}};
+        {"1\nroot 1\narm 2\n2\nroot 3\n3\nroot 3\narm 4\n", 1, 1, ""},
+        {"1\nname_of_15_abcd 1\nlong_name_of_19_abc 2\n2\nNAME_OF_15_ABCD 1\nlong_name_of_19_ABC 2\n", -1, -1, ""},
+        {"1\nname_of_15_abcd 1\n2\nname_of_15_abcde 1\n", 1, 0, "name_of_15_abcde"},
+        {"1\nlong_name_of_19_abc 1\n2\nlong_name_of_19_abd 1\n", 1, 0, "long_name_of_19_abd"}};
     // clang-format on
     for (const auto& c : cases)
     {
