@@ -53,10 +53,9 @@ int entryCount(const std::string& folder)
     return count;
 }
 
-RunResult runMotexport(const std::vector<std::string>& args,
-                       const std::string& input = "")
+RunResult runMotexport(const std::vector<std::string>& args)
 {
-    return runProgram(MOTEXPORT_BIN, args, input);
+    return runProgram(MOTEXPORT_BIN, args);
 }
 
 // A skeleton, a motion and both outputs in a fresh folder.
@@ -74,13 +73,9 @@ struct Job
         writeFile(amc, motion);
     }
 
-    RunResult run(const std::string& fps = "30",
-                  const std::string& input = "") const
+    RunResult run() const
     {
-        std::vector<std::string> args = {asf, amc, fps, bvh, csv};
-        if (input.empty())
-            args.insert(args.begin(), "-f");
-        return runMotexport(args, input);
+        return runMotexport({"-f", asf, amc, "30", bvh, csv});
     }
 
     std::string read() const { return kBanner + reading(asf) + reading(amc); }
@@ -124,22 +119,6 @@ TEST(Motexport, TheCsvLoadsWithNumpyAndPandas)
     EXPECT_EQ("240 " + columns + " 240 " + columns + " True\n", run.out);
 }
 
-// Frame Time is 1/fps written so that the rate comes back; any positive
-// rate is taken.
-TEST(Motexport, WritesAFrameTimeThatGivesTheRateBack)
-{
-    Job job(kSkeleton, kMotion);
-    for (double fps : {29.97, 120.0, 0.5})
-    {
-        RunResult run = job.run(std::to_string(fps));
-        EXPECT_EQ(0, run.status);
-        const std::string text = readFile(job.bvh);
-        const size_t at = text.find("Frame Time: ");
-        ASSERT_NE(std::string::npos, at);
-        EXPECT_DOUBLE_EQ(fps, 1.0 / std::stod(text.substr(at + 12))) << fps;
-    }
-}
-
 // Nothing is written when the motion or the skeleton is refused, an output
 // that existed stays as it was, and no temporary file is left.
 TEST(Motexport, ARefusedRunLeavesNoOutputBehind)
@@ -172,22 +151,4 @@ TEST(Motexport, ARefusedRunLeavesNoOutputBehind)
         EXPECT_FALSE(KtFileExists(job.csv.c_str()));
         EXPECT_EQ(3, entryCount(job.dir.path()));
     }
-}
-
-// "n" keeps an output and the run goes on to the next.
-TEST(Motexport, AsksBeforeReplacingAnOutput)
-{
-    Job job(kSkeleton, kMotion);
-    writeFile(job.bvh, "old");
-    RunResult run = job.run("30", "n\n");
-    EXPECT_EQ(0, run.status);
-    EXPECT_EQ(job.read() + "\nOutput file '" + job.bvh +
-                  "' exists.\nOverwrite? [Y/N] " + writing(job.csv),
-              run.out);
-    EXPECT_EQ("old", readFile(job.bvh));
-    EXPECT_EQ("frame,time,root_x,root_y,root_z,arm_x,arm_y,arm_z,arm_end_x,"
-              "arm_end_y,arm_end_z\n"
-              "1,0,1,2,3,1,2,3,2.6276,2.93969,2.31596\n"
-              "2,0.0333333333,1,2,3,1,2,3,2.6276,2.93969,2.31596\n",
-              readFile(job.csv));
 }

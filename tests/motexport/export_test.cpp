@@ -59,11 +59,16 @@ std::vector<std::vector<double>> readCSV(const std::string& text,
     return rows;
 }
 
-void expectExact(const KaASF& asf, const KaAMC& amc, double scale)
+// Frame Time also gives the rate back.
+void expectExact(const KaASF& asf,
+                 const KaAMC& amc,
+                 double scale,
+                 double fps = 30)
 {
-    PosedMotion motion(asf, amc, scale, 30);
+    PosedMotion motion(asf, amc, scale, fps);
     const Exports exports = exportBoth(motion);
     const BvhFile bvh = readBVH(exports.bvh);
+    EXPECT_DOUBLE_EQ(fps, 1 / bvh.frameTime);
     std::map<std::string, int> bodyOf;
     int leaves = 0;
     for (int body = 0; body < motion.numBodies(); ++body)
@@ -146,8 +151,8 @@ TEST(MotexportExports, StandWhereTheStandardPoseStands)
         skeletonText("TX TY TZ RX RY RZ", kBones, kHierarchy, "0.45"));
     small.root().setPosition(KtPoint(0.9, -0.45, 1.35));
     KaAMC moves = motionFrom(kFrames);
-    expectExact(small, moves, 1.0);
-    expectExact(small, moves, 0.0254);
+    expectExact(small, moves, 1.0, 120);
+    expectExact(small, moves, 0.0254, 29.97);
 
     KaASF human;
     human.read(EXAMPLES_DIR "/human.asf");
