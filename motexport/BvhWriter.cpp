@@ -30,6 +30,8 @@ namespace
 constexpr int kChannelOrder[3] = {1, 2, 3};
 constexpr const char* kPositionChannels = "Xposition Yposition Zposition";
 constexpr const char* kRotationChannels = "Zrotation Yrotation Xrotation";
+// A product is quicker than a quotient, millions of times over.
+constexpr double kDegreesPerRadian = 1.0 / kKtRadiansPerDegree;
 // Deeper joints are indented no further, so that a long chain of bones
 // cannot blow the file up with indentation alone.
 constexpr int kMaxIndent = 32;
@@ -215,7 +217,7 @@ private:
         for (int axis : {2, 1, 0})
         {
             _text.character(' ');
-            _text.angle(angles[axis] / kKtRadiansPerDegree);
+            _text.angle(angles[axis] * kDegreesPerRadian);
         }
     }
 

@@ -25,11 +25,8 @@ ExportText::ExportText(std::ostream& out, double extent)
 
 void ExportText::_number(double value, double noise)
 {
-    if (!std::isfinite(value))
-    {
-        _failed = true;
+    if (!_finite(value))
         return;
-    }
     // Zero of either sign, too.
     if (std::fabs(value) <= noise)
         value = 0.0;
@@ -54,35 +51,40 @@ void ExportText::text(const char* text)
 void ExportText::integer(long value)
 {
     char digits[kNumberTextSize];
-    *std::to_chars(digits, digits + sizeof digits - 1, value).ptr = '\0';
-    text(digits);
+    _characters(digits,
+                std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
 void ExportText::shortest(double value)
 {
-    if (!std::isfinite(value))
-    {
-        _failed = true;
-        return;
-    }
     char digits[kNumberTextSize];
-    *std::to_chars(digits, digits + sizeof digits - 1, value).ptr = '\0';
-    text(digits);
+    if (_finite(value))
+        _characters(digits,
+                    std::to_chars(digits, digits + sizeof digits, value).ptr);
 }
 
-void ExportText::significant(double value, int digits)
+void ExportText::significant(double value, int precision)
 {
-    if (!std::isfinite(value))
-    {
-        _failed = true;
-        return;
-    }
-    char text[kNumberTextSize];
-    *std::to_chars(text,
-                   text + sizeof text - 1,
-                   value,
-                   std::chars_format::general,
-                   digits)
-         .ptr = '\0';
-    this->text(text);
+    char digits[kNumberTextSize];
+    if (_finite(value))
+        _characters(digits,
+                    std::to_chars(digits,
+                                  digits + sizeof digits,
+                                  value,
+                                  std::chars_format::general,
+                                  precision)
+                        .ptr);
+}
+
+bool ExportText::_finite(double value)
+{
+    const bool finite = std::isfinite(value);
+    _failed = _failed || !finite;
+    return finite;
+}
+
+void ExportText::_characters(const char* begin, const char* end)
+{
+    for (; begin != end; ++begin)
+        character(*begin);
 }

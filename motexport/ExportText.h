@@ -28,7 +28,7 @@ public:
     // Exactly as many digits as bring the value back when read.
     void shortest(double value);
     // As "%.*g".
-    void significant(double value, int digits);
+    void significant(double value, int precision);
 
     // A number since the last clearFailed() was not finite.
     bool failed() const { return _failed; }
@@ -38,6 +38,9 @@ private:
     static constexpr double kAngleNoise = 1e-9;
 
     void _number(double value, double noise);
+    // False, and failed() from now on, for a value that is not finite.
+    bool _finite(double value);
+    void _characters(const char* begin, const char* end);
 
     KtFloatWriter _text;
     double _lengthNoise;
