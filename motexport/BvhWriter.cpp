@@ -108,18 +108,15 @@ private:
     void _writeHierarchy()
     {
         _text.text("HIERARCHY\n");
-        // The joints' depths, by walking them in order: a joint is one
-        // deeper than its parent, whose block stays open until the next
-        // joint that is not below it.
-        std::vector<int> depth(_motion.numBodies(), 0);
+        // A joint's block stays open until the next joint that is not below
+        // it; the open blocks are the joint's depth.
         std::vector<int> open;
         for (int body : _joints)
         {
             const int parent = _motion.pose().parent(body);
             while (!open.empty() && open.back() != parent)
                 _close(open);
-            depth[body] = parent < 0 ? 0 : depth[parent] + 1;
-            _openJoint(body, depth[body]);
+            _openJoint(body, static_cast<int>(open.size()));
             open.push_back(body);
         }
         while (!open.empty())
