@@ -1,8 +1,10 @@
 # The front door: make demo, make test, make demo-check, make build,
-# make bench, make verify-format, make fuzz, make format, make format-check.
+# make install, make bench, make verify-format, make fuzz, make format, make format-check.
 # Missing Debian packages are installed when run as root.
 
 BUILD_DIR  ?= build/release
+PREFIX     ?= /usr/local
+DESTDIR    ?=
 TEST_DIR   ?= build/test
 BENCH_DIR  ?= build/bench
 FUZZ_DIR   ?= build/fuzz
@@ -11,12 +13,12 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 
 BUILD_PACKAGES := cmake g++ make
 TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs \
-                  python3-numpy python3-pandas
+                  man-db groff-base python3-numpy python3-pandas
 FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
-FUZZ_TARGETS   := skeleton motion conversion
+FUZZ_TARGETS   := skeleton motion conversion rig commandline
 DEMO_OUTPUTS   := walk.mel walk.mov human_rig.mel walk.bvh walk.csv
 
-.PHONY: all build test demo demo-check bench verify-format fuzz format format-check clean
+.PHONY: all build install test demo demo-check bench verify-format fuzz format format-check clean
 
 all: build
 
@@ -24,6 +26,11 @@ build:
 	@tools/require-packages $(BUILD_PACKAGES)
 	cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Release -DMOTBAKE_BUILD_TESTS=OFF
 	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+# The Release programs to $(DESTDIR)$(PREFIX)/bin and their manual pages to
+# $(DESTDIR)$(PREFIX)/share/man/man1.
+install: build
+	DESTDIR="$(DESTDIR)" cmake --install $(BUILD_DIR) --prefix "$(PREFIX)"
 
 # Converts the bundled example into out/, showing the progress lines, and
 # writes the rig script of its skeleton and the BVH and CSV exports.

@@ -24,6 +24,18 @@ bool isFrameRate(int fps)
 
 int motbakeMain(int argc, const char* const* argv)
 {
+    RunArguments run;
+    int status = kExitSuccess;
+    if (!parseCommandLine(argc, argv, &run, &status))
+        return status;
+    return runConversion(run);
+}
+
+bool parseCommandLine(int argc,
+                      const char* const* argv,
+                      RunArguments* run,
+                      int* status)
+{
     const char* filterText = nullptr;
     const ProgramOption filter = {
         "-filter", &filterText, "\nERROR: Expecting filter names.\n"};
@@ -38,30 +50,30 @@ int motbakeMain(int argc, const char* const* argv)
     // The filter text is kept even when the run goes no further.
     if (filterText)
         theFilterText = filterText;
+    *status = start.exitStatus;
     if (start.finished)
-        return start.exitStatus;
+        return false;
 
+    *status = kExitFailure;
     if (start.numPositional != kPositionalCount)
     {
         std::cerr << "ERROR: Invalid number of arguments.\n";
-        return kExitFailure;
+        return false;
     }
     const char* const* positional = start.positional;
     int fps = 0;
     if (!KtStr(positional[2]).intValue(&fps) || !isFrameRate(fps))
     {
         std::cerr << "ERROR: Invalid value for fps.\n";
-        return kExitFailure;
+        return false;
     }
-
-    RunArguments run;
-    run.asfFile = positional[0];
-    run.amcFile = positional[1];
-    run.fps = fps;
-    run.melFile = positional[3];
-    run.movFile = positional[4];
-    run.noPrompt = start.noPrompt;
-    return runConversion(run);
+    run->asfFile = positional[0];
+    run->amcFile = positional[1];
+    run->fps = fps;
+    run->melFile = positional[3];
+    run->movFile = positional[4];
+    run->noPrompt = start.noPrompt;
+    return true;
 }
 
 void printVersion(std::ostream& out, const KtStr& programName)

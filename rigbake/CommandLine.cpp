@@ -17,25 +17,38 @@ constexpr int kPositionalCount = 2;
 
 int rigbakeMain(int argc, const char* const* argv)
 {
+    RigbakeArguments run;
+    int status = kExitSuccess;
+    if (!parseRigbakeCommandLine(argc, argv, &run, &status))
+        return status;
+    return runRigbake(run);
+}
+
+bool parseRigbakeCommandLine(int argc,
+                             const char* const* argv,
+                             RigbakeArguments* run,
+                             int* status)
+{
     ProgramDescription program;
     program.name = "rigbake";
     program.version = kRigbakeVersion;
     program.printUsage = printRigbakeUsage;
     program.printManpage = printRigbakeManpage;
     const ProgramStart start = startProgram(argc, argv, program);
+    *status = start.exitStatus;
     if (start.finished)
-        return start.exitStatus;
+        return false;
 
     if (start.numPositional != kPositionalCount)
     {
         std::cerr << "ERROR: Invalid number of arguments.\n";
-        return kExitFailure;
+        *status = kExitFailure;
+        return false;
     }
-    RigbakeArguments run;
-    run.asfFile = start.positional[0];
-    run.melFile = start.positional[1];
-    run.noPrompt = start.noPrompt;
-    return runRigbake(run);
+    run->asfFile = start.positional[0];
+    run->melFile = start.positional[1];
+    run->noPrompt = start.noPrompt;
+    return true;
 }
 
 void printRigbakeUsage(std::ostream& out, const KtStr& programName)

@@ -1,0 +1,50 @@
+// Fuzz target: rigbake's whole run held in memory. Any bytes are read as a
+// skeleton; what reads is made into joints and a script. A rig must keep
+// its promises: every joint after its parent, and only finite numbers.
+#include <cmath>
+#include <cstdlib>
+#include <sstream>
+#include <vector>
+
+#include "asf/KaASF.h"
+#include "fuzz/FuzzInput.h"
+#include "rigbake/RigJoints.h"
+#include "rigbake/RigScript.h"
+#include "toolkit/KtError.h"
+
+namespace
+{
+
+bool finite(const KtVec3d& v)
+{
+    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
+}
+
+void checkJoints(const std::vector<RigJoint>& joints)
+{
+    for (size_t i = 0; i < joints.size(); ++i)
+        if (joints[i].parent >= static_cast<int>(i) ||
+            !finite(joints[i].translate) || !finite(joints[i].jointOrient))
+            std::abort();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    if (size > kMaxFuzzInput)
+        return 0;
+    theExceptObj.clear();
+    std::istringstream in(fuzzText(data, size));
+    KaASF skeleton;
+    skeleton.scanFrom(in);
+    std::vector<RigJoint> joints;
+    if (!theExceptObj.errorOccurred() && makeRigJoints(skeleton, &joints))
+    {
+        checkJoints(joints);
+        std::ostringstream script;
+        writeRigScript(script, joints);
+    }
+    theExceptObj.clear();
+    return 0;
+}
