@@ -63,6 +63,17 @@ bool parsePositive(const char* text, double* value)
 
 int motexportMain(int argc, const char* const* argv)
 {
+    ExportArguments run;
+    int status = kExitSuccess;
+    return parseExportCommandLine(argc, argv, &run, &status) ? runExport(run)
+                                                             : status;
+}
+
+bool parseExportCommandLine(int argc,
+                            const char* const* argv,
+                            ExportArguments* run,
+                            int* status)
+{
     const char* scaleText = nullptr;
     const ProgramOption scale = {
         "-scale", &scaleText, "\nERROR: Expecting a scale factor.\n"};
@@ -74,25 +85,26 @@ int motexportMain(int argc, const char* const* argv)
     program.options = &scale;
     program.numOptions = 1;
     const ProgramStart start = startProgram(argc, argv, program);
+    *status = start.exitStatus;
     if (start.finished)
-        return start.exitStatus;
+        return false;
 
+    *status = kExitFailure;
     if (start.numPositional < kLeastPositional)
     {
         std::cerr << "ERROR: Invalid number of arguments.\n";
-        return kExitFailure;
+        return false;
     }
     const char* const* positional = start.positional;
-    ExportArguments run;
-    if (!parsePositive(positional[2], &run.fps))
+    if (!parsePositive(positional[2], &run->fps))
     {
         std::cerr << "ERROR: Invalid value for fps.\n";
-        return kExitFailure;
+        return false;
     }
-    if (scaleText && !parsePositive(scaleText, &run.scale))
+    if (scaleText && !parsePositive(scaleText, &run->scale))
     {
         std::cerr << "ERROR: Invalid value for scale.\n";
-        return kExitFailure;
+        return false;
     }
     for (int i = kLeastPositional - 1; i < start.numPositional; ++i)
     {
@@ -101,14 +113,14 @@ int motexportMain(int argc, const char* const* argv)
             std::cerr << "ERROR: Unknown format of output \"" << positional[i]
                       << "\": its name must end in " << knownExtensions()
                       << ".\n";
-            return kExitFailure;
+            return false;
         }
-        run.outputs.push_back(positional[i]);
+        run->outputs.push_back(positional[i]);
     }
-    run.asfFile = positional[0];
-    run.amcFile = positional[1];
-    run.noPrompt = start.noPrompt;
-    return runExport(run);
+    run->asfFile = positional[0];
+    run->amcFile = positional[1];
+    run->noPrompt = start.noPrompt;
+    return true;
 }
 
 void printExportUsage(std::ostream& out, const KtStr& programName)
