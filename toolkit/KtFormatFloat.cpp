@@ -188,9 +188,28 @@ void writePair(char* out, uint32_t pair)
     std::memcpy(out, &kDigitPairs.text[2 * pair], 2);
 }
 
-// Copies are made in whole blocks of this size (one machine move each);
-// the text that follows overwrites what a block adds past the digits.
-constexpr int kCopyBlock = 8;
+// The digits are gathered in a machine word, first digit in its lowest byte,
+// and stored whole: written to memory pair by pair and read back as a word,
+// they would stall the processor on every number.
+constexpr int kWordBytes = 8;
+constexpr uint64_t kZeroDigits = 0x303030303030ULL; // six '0'
+constexpr int kByteBits = 8;
+
+uint64_t pairBits(uint32_t pair)
+{
+    uint16_t bits = 0;
+    std::memcpy(&bits, &kDigitPairs.text[2 * pair], 2);
+    return bits;
+}
+
+// The first character at out, whatever the machine's byte order; the text
+// that follows overwrites what the word adds past its characters.
+void storeWord(char* out, uint64_t word)
+{
+    if (__BYTE_ORDER__ == __ORDER_BIG_ENDIAN__)
+        word = __builtin_bswap64(word);
+    std::memcpy(out, &word, kWordBytes);
+}
 
 char* writeExponent(char* out, int exponent)
 {
@@ -205,20 +224,21 @@ char* writeExponent(char* out, int exponent)
 // of their first digit, without trailing zeros.
 char* layOut(char* out, uint32_t n, int exponent)
 {
-    char digits[kDigits + kCopyBlock] = {};
-    writePair(digits, n / 10000);
-    writePair(digits + 2, n / 100 % 100);
-    writePair(digits + 4, n % 100);
-    int count = kDigits;
-    while (digits[count - 1] == '0') // n has a first digit that is not 0
-        --count;
+    const uint64_t digits = pairBits(n / 10000) |
+                            pairBits(n / 100 % 100) << 16 |
+                            pairBits(n % 100) << 32;
+    // Trailing '0' characters are the high zero bytes of digits ^ "000000";
+    // the first digit is not 0.
+    const int count =
+        kDigits -
+        __builtin_clzll((digits ^ kZeroDigits) << (kByteBits * 2)) / kByteBits;
 
     if (exponent < kLeastFixedExponent || exponent >= kDigits)
     {
-        out[0] = digits[0];
-        out[1] = '.';
-        std::memcpy(out + 2, digits + 1, kCopyBlock);
-        // A single digit goes without its point.
+        // "d.ddddd"; a single digit goes without its point.
+        storeWord(out,
+                  (digits & 0xff) | uint64_t('.') << kByteBits |
+                      (digits >> kByteBits) << (kByteBits * 2));
         out += count > 1 ? count + 1 : 1;
         return writeExponent(out, exponent);
     }
@@ -226,15 +246,21 @@ char* layOut(char* out, uint32_t n, int exponent)
     {
         std::memcpy(out, "0.000", 5);
         out += 1 - exponent; // "0." and the zeros after the point
-        std::memcpy(out, digits, kCopyBlock);
+        storeWord(out, digits);
         return out + count;
     }
-    int integerDigits = exponent + 1;
-    std::memcpy(out, digits, kCopyBlock);
+    const int integerDigits = exponent + 1;
     if (count <= integerDigits)
+    {
+        storeWord(out, digits);
         return out + integerDigits;
-    out[integerDigits] = '.';
-    std::memcpy(out + integerDigits + 1, digits + integerDigits, kCopyBlock);
+    }
+    // The point after the integer digits.
+    const int split = kByteBits * integerDigits;
+    const uint64_t integerPart = digits & ((uint64_t(1) << split) - 1);
+    storeWord(out,
+              integerPart | uint64_t('.') << split |
+                  (digits - integerPart) << kByteBits);
     return out + count + 1;
 }
 
