@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <iostream>
 
 #include "motexport/ExportFormat.h"
