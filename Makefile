@@ -13,10 +13,10 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 
 BUILD_PACKAGES := cmake g++ make
 TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs \
-                  man-db groff-base
+                  man-db groff-base python3-numpy python3-pandas
 FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
 FUZZ_TARGETS   := skeleton motion conversion rig commandline
-DEMO_OUTPUTS   := walk.mel walk.mov human_rig.mel
+DEMO_OUTPUTS   := walk.mel walk.mov human_rig.mel walk.bvh walk.csv
 
 .PHONY: all build install test demo demo-check bench verify-format fuzz format format-check clean
 
@@ -33,12 +33,14 @@ install: build
 	DESTDIR="$(DESTDIR)" cmake --install $(BUILD_DIR) --prefix "$(PREFIX)"
 
 # Converts the bundled example into out/, showing the progress lines, and
-# writes the rig script of its skeleton.
+# writes the rig script of its skeleton and the BVH and CSV exports.
 demo: build
 	mkdir -p out
 	$(BUILD_DIR)/app/motbake -f examples/human.asf examples/walk.amc 30 \
 	    out/walk.mel out/walk.mov
 	$(BUILD_DIR)/rigbake/rigbake -f examples/human.asf out/human_rig.mel
+	$(BUILD_DIR)/motexport/motexport -f examples/human.asf examples/walk.amc 30 \
+	    out/walk.bvh out/walk.csv
 
 # The Release build that users run: the demo's outputs must equal the
 # expected files byte for byte.

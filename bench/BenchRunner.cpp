@@ -1,13 +1,14 @@
-// bench_run: generates the benchmark captures, times the converter against
-// the baseline on them (alternating runs, medians) and prints the table,
-// then shows how time and memory grow with the number of frames, and the
-// peak memory on hostile shapes.
+// bench_run: generates the benchmark captures, times the converter and the
+// exporter's BVH and CSV against the baseline on them (alternating runs,
+// medians) and prints the table, then shows how time and memory grow with
+// the number of frames, and the converter's peak memory on hostile shapes.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <fstream>
 #include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -154,6 +155,46 @@ Sample convert(const Options& options, const Capture& c)
         {MOTBAKE_BIN, "-f", c.asf, c.amc, "30", out + ".mel", out + ".mov"});
 }
 
+// The exporter writes one format per run, so that each is timed alone.
+Sample
+exportTo(const Options& options, const Capture& c, const std::string& extension)
+{
+    return run({MOTEXPORT_BIN,
+                "-f",
+                c.asf,
+                c.amc,
+                "30",
+                options.work + "/out-" + c.variant + extension});
+}
+
+// The numbers of a text output from the line after the one that starts with
+// marker (from the start when marker is empty): runs of characters between
+// blanks, commas and line ends.
+long numbersIn(const std::string& path, const std::string& marker)
+{
+    std::ifstream in(path);
+    if (!in)
+        fail("cannot read " + path);
+    bool counting = marker.empty();
+    long count = 0;
+    for (std::string line; std::getline(in, line);)
+    {
+        if (!counting)
+        {
+            counting = line.compare(0, marker.size(), marker) == 0;
+            continue;
+        }
+        bool inNumber = false;
+        for (char c : line)
+        {
+            const bool separator = c == ' ' || c == ',' || c == '\r';
+            count += !separator && !inNumber;
+            inNumber = !separator;
+        }
+    }
+    return count;
+}
+
 Sample baseline(const Options& options, const Capture& c)
 {
     return run({BASELINE_BIN,
@@ -193,6 +234,47 @@ void printRow(const char* program, const Capture& c, const Sample& s)
                 s.peakMB / c.sizeMB);
 }
 
+// The exports against the baseline, per number printed: the exporter
+// prints other numbers than the baseline, which prints the motion's own.
+void compareExports(const Options& options,
+                    const Capture& c,
+                    const Sample& base,
+                    const Sample& bvh,
+                    const Sample& csv)
+{
+    const std::string out = options.work + "/out-" + c.variant;
+    const double baseNumbers =
+        static_cast<double>(numbersIn(out + ".baseline", ""));
+    const struct
+    {
+        const char* format;
+        Sample sample;
+        long numbers;
+        double timeTarget; // per number printed; 0: none
+    } exports[] = {{"bvh", bvh, numbersIn(out + ".bvh", "Frame Time:"), 1.0},
+                   {"csv", csv, numbersIn(out + ".csv", "frame,"), 0.0}};
+    constexpr double kPeakTarget = 1.5;
+    for (const auto& e : exports)
+    {
+        const double perNumber =
+            (e.sample.seconds / static_cast<double>(e.numbers)) /
+            (base.seconds / baseNumbers);
+        std::printf("  %-12s motexport %s/baseline time %.2f, %.2f per number "
+                    "printed (%ld against %.0f)",
+                    c.variant.c_str(),
+                    e.format,
+                    e.sample.seconds / base.seconds,
+                    perNumber,
+                    e.numbers,
+                    baseNumbers);
+        if (e.timeTarget > 0)
+            std::printf(" (target %.1f)", e.timeTarget);
+        std::printf(", peak/in %.2f (target %.1f)\n",
+                    e.sample.peakMB / c.sizeMB,
+                    kPeakTarget);
+    }
+}
+
 void compare(const Options& options)
 {
     std::vector<Capture> captures = {
@@ -200,6 +282,9 @@ void compare(const Options& options)
         capture(options, "translating", options.frames)};
     std::vector<std::vector<Sample>> converter(captures.size());
     std::vector<std::vector<Sample>> base(captures.size());
+    // The exporter on the standard capture.
+    std::vector<Sample> bvh;
+    std::vector<Sample> csv;
     std::string loadBefore = loadAverage();
     // Alternating, so that a change in the machine's load touches all.
     for (int r = 0; r < options.runs; ++r)
@@ -207,6 +292,10 @@ void compare(const Options& options)
         {
             converter[i].push_back(convert(options, captures[i]));
             base[i].push_back(baseline(options, captures[i]));
+            if (i > 0)
+                continue;
+            bvh.push_back(exportTo(options, captures[i], ".bvh"));
+            csv.push_back(exportTo(options, captures[i], ".csv"));
         }
 
     std::printf("\n%ld frames, seed %lu, %d alternating runs each; "
@@ -237,6 +326,8 @@ void compare(const Options& options)
         ratios.push_back(c.seconds / b.seconds);
         cpuRatios.push_back(c.cpuSeconds / b.cpuSeconds);
     }
+    printRow("bvh", captures[0], median(bvh));
+    printRow("csv", captures[0], median(csv));
     std::printf("\n");
     for (size_t i = 0; i < captures.size(); ++i)
         std::printf("  %-12s motbake/baseline time %.2f (target %.1f), "
@@ -245,6 +336,8 @@ void compare(const Options& options)
                     ratios[i],
                     timeTargets[i],
                     cpuRatios[i]);
+    compareExports(
+        options, captures[0], median(base[0]), median(bvh), median(csv));
 }
 
 void growth(const Options& options)

@@ -1,13 +1,16 @@
 // verify_format: compares KtFormatFloat with printf's "%g" on every float
 // (--all), or on a large sample: every tie, the neighbours of every power of
-// ten, all subnormals and a strided sweep of all bit patterns.
+// ten, all subnormals and a strided sweep of all bit patterns. KtFormatDouble
+// is compared on a sample of doubles either way.
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <random>
 #include <thread>
 #include <vector>
 
@@ -68,6 +71,49 @@ void sweep(
         worker.join();
 }
 
+// Ties and powers of ten, then random doubles: ten million of the usual
+// magnitudes (1e-6 to 1e6) and as many bit patterns of any magnitude.
+// Returns the number of mismatches, printing the first few.
+uint64_t checkDoubles(uint64_t* checked)
+{
+    uint64_t mismatches = 0;
+    auto check = [&](double value)
+    {
+        char expected[64];
+        int length = referenceDoubleText(expected, value);
+        char text[kKtFloatTextSize];
+        char* end = KtFormatDouble(text, value);
+        ++*checked;
+        if (end - text == length &&
+            std::memcmp(text, expected, static_cast<size_t>(length)) == 0)
+            return;
+        if (++mismatches <= kShownMismatches)
+            std::printf("  %a: \"%.*s\" instead of \"%s\"\n",
+                        value,
+                        static_cast<int>(end - text),
+                        text,
+                        expected);
+    };
+    forEachDoubleTieAndPowerOfTen(4096,
+                                  [&](double value)
+                                  {
+                                      check(value);
+                                      check(-value);
+                                  });
+    std::mt19937_64 random(1);
+    constexpr int kRandomCount = 10000000;
+    for (int i = 0; i < kRandomCount; ++i)
+    {
+        uint64_t bits = random();
+        double value = 0.0;
+        std::memcpy(&value, &bits, sizeof value);
+        check(value);
+        check(std::ldexp(static_cast<double>(random() >> 11), -53) *
+              std::pow(10.0, static_cast<int>(random() % 13) - 6));
+    }
+    return mismatches;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -113,5 +159,11 @@ int main(int argc, char** argv)
                 static_cast<unsigned long long>(tally.checked()),
                 static_cast<unsigned long long>(tally.mismatches()),
                 seconds);
-    return tally.mismatches() == 0 ? 0 : 1;
+    uint64_t doublesChecked = 0;
+    uint64_t doubleMismatches = checkDoubles(&doublesChecked);
+    std::printf("verify_format: %llu doubles checked against printf \"%%g\", "
+                "%llu mismatches\n",
+                static_cast<unsigned long long>(doublesChecked),
+                static_cast<unsigned long long>(doubleMismatches));
+    return tally.mismatches() == 0 && doubleMismatches == 0 ? 0 : 1;
 }

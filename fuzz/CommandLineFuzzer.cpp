@@ -1,5 +1,5 @@
 // Fuzz target: each program's command line. The first byte picks the
-// program, the rest are its arguments separated by NUL bytes. Only the
+// program (motbake, rigbake, motexport), the rest are its arguments separated by NUL bytes. Only the
 // parse runs (help texts, banner and messages go nowhere): the run itself
 // would read and write the files the arguments name.
 #include <iostream>
@@ -10,6 +10,8 @@
 #include "app/CommandLine.h"
 #include "app/RunSequence.h"
 #include "fuzz/FuzzInput.h"
+#include "motexport/CommandLine.h"
+#include "motexport/ExportRun.h"
 #include "rigbake/CommandLine.h"
 #include "rigbake/RunSequence.h"
 #include "toolkit/KtError.h"
@@ -72,15 +74,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
     Silence silence;
     int status = 0;
-    if (data[0] % 2 == 0)
+    if (data[0] % 3 == 0)
     {
         RunArguments run;
         parseCommandLine(argc, argv.data(), &run, &status);
     }
-    else
+    else if (data[0] % 3 == 1)
     {
         RigbakeArguments run;
         parseRigbakeCommandLine(argc, argv.data(), &run, &status);
+    }
+    else
+    {
+        ExportArguments run;
+        parseExportCommandLine(argc, argv.data(), &run, &status);
     }
     theExceptObj.clear();
     return 0;

@@ -10,6 +10,7 @@ namespace
 {
 
 constexpr double kTwoPi = 2.0 * kKtPi;
+constexpr double kQuarterTurnSquared = kKtPi * kKtPi / 4.0;
 
 bool isAxisCode(int code)
 {
@@ -29,10 +30,19 @@ bool isCyclic(const int (&order)[3])
     return order[1] == order[0] % 3 + 1;
 }
 
-// The angle moved by whole turns to within half a turn of near.
+// The angle moved by whole turns to within half a turn of near. A curve's
+// angles are nearly always within one turn of it: those are kept as they
+// are, or moved by one turn, sparing the slow remainder.
 double nearestTurn(double angle, double near)
 {
-    return near + std::remainder(angle - near, kTwoPi);
+    double difference = angle - near;
+    if (std::fabs(difference) <= kKtPi)
+        return angle;
+    if (difference > kKtPi && difference <= 3 * kKtPi)
+        return angle - kTwoPi;
+    if (difference < -kKtPi && difference >= -3 * kKtPi)
+        return angle + kTwoPi;
+    return near + std::remainder(difference, kTwoPi);
 }
 
 double squaredDistance(const KtVec3d& a, const KtVec3d& b)
@@ -87,10 +97,16 @@ KtVec3d KtDecomposeRotation3d(const KtMat3d& r, const int (&order)[3])
     // Adding zero turns a signed zero of an exact lock into +0, so that the
     // first angle there is 0 rather than a half turn.
     double a = std::atan2(e * r[k][j] + 0.0, r[k][k] + 0.0);
-    KtMat3d n = r * KtAxisRotation3d(order[0], -a);
+    // n = r . Ri(-a), of which four elements are needed.
+    const KtMat3d turn = KtAxisRotation3d(order[0], -a);
+    auto n = [&](int row, int column)
+    {
+        return r[row][0] * turn[0][column] + r[row][1] * turn[1][column] +
+               r[row][2] * turn[2][column];
+    };
     angles[i] = a;
-    angles[j] = std::atan2(-e * n[k][i], n[k][k]);
-    angles[k] = std::atan2(-e * n[i][j], n[j][j]);
+    angles[j] = std::atan2(-e * n(k, i), n(k, k));
+    angles[k] = std::atan2(-e * n(i, j), n(j, j));
     return angles;
 }
 
@@ -101,7 +117,11 @@ KtVec3d KtClosestAngles3d(const KtVec3d& angles,
     KtVec3d same;
     for (int axis = 0; axis < 3; ++axis)
         same[axis] = nearestTurn(angles[axis], previous[axis]);
-    if (!namesThreeAxes(order))
+    // Within a quarter turn of previous, as a curve nearly always is, the
+    // same triple wins: the other's first and last angles are then each at
+    // least a quarter turn away.
+    const double sameDistance = squaredDistance(same, previous);
+    if (sameDistance <= kQuarterTurnSquared || !namesThreeAxes(order))
         return same;
     const int i = order[0] - 1;
     const int j = order[1] - 1;
@@ -110,7 +130,5 @@ KtVec3d KtClosestAngles3d(const KtVec3d& angles,
     other[i] = nearestTurn(angles[i] + kKtPi, previous[i]);
     other[j] = nearestTurn(kKtPi - angles[j], previous[j]);
     other[k] = nearestTurn(angles[k] + kKtPi, previous[k]);
-    return squaredDistance(other, previous) < squaredDistance(same, previous)
-               ? other
-               : same;
+    return squaredDistance(other, previous) < sameDistance ? other : same;
 }

@@ -26,9 +26,21 @@ private:
     double _v[3] = {0.0, 0.0, 0.0};
 };
 
-KtVec3d operator+(const KtVec3d& a, const KtVec3d& b);
-KtVec3d operator-(const KtVec3d& a, const KtVec3d& b);
-KtVec3d operator*(double s, const KtVec3d& v);
+// The arithmetic is inline: posing a long motion takes millions of products.
+inline KtVec3d operator+(const KtVec3d& a, const KtVec3d& b)
+{
+    return KtVec3d(a[0] + b[0], a[1] + b[1], a[2] + b[2]);
+}
+
+inline KtVec3d operator-(const KtVec3d& a, const KtVec3d& b)
+{
+    return KtVec3d(a[0] - b[0], a[1] - b[1], a[2] - b[2]);
+}
+
+inline KtVec3d operator*(double s, const KtVec3d& v)
+{
+    return KtVec3d(s * v[0], s * v[1], s * v[2]);
+}
 
 class KtMat3d
 {
@@ -53,8 +65,21 @@ private:
     KtElements _m;
 };
 
-KtMat3d operator*(const KtMat3d& a, const KtMat3d& b);
-KtVec3d operator*(const KtMat3d& m, const KtVec3d& v);
+inline KtMat3d operator*(const KtMat3d& a, const KtMat3d& b)
+{
+    KtMat3d p;
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j)
+            p[i][j] = a[i][0] * b[0][j] + a[i][1] * b[1][j] + a[i][2] * b[2][j];
+    return p;
+}
+
+inline KtVec3d operator*(const KtMat3d& m, const KtVec3d& v)
+{
+    return KtVec3d(m[0][0] * v[0] + m[0][1] * v[1] + m[0][2] * v[2],
+                   m[1][0] * v[0] + m[1][1] * v[1] + m[1][2] * v[2],
+                   m[2][0] * v[0] + m[2][1] * v[1] + m[2][2] * v[2]);
+}
 
 // "(x, y, z)"; a matrix as three such rows, one per line.
 std::ostream& operator<<(std::ostream& out, const KtVec3d& v);

@@ -121,6 +121,8 @@ void StandardPose::_evaluateBody(int body,
 {
     const Body& fixed = _bodies[body];
     KtMat3d motion;
+    bool turns = false;
+    bool moves = false;
     KtVec3d translation;
     if (values)
     {
@@ -129,11 +131,17 @@ void StandardPose::_evaluateBody(int body,
         int n = std::min(values->numValues(), fixed.numDofs);
         for (int k = 0; k < n; ++k)
             if (KaIsRotationDOF(codes[k]))
-                motion = KtAxisRotation3d(codes[k] - kDofRX + 1,
-                                          angleScale * given[k]) *
-                         motion;
+            {
+                KtMat3d turn = KtAxisRotation3d(codes[k] - kDofRX + 1,
+                                                angleScale * given[k]);
+                motion = turns ? turn * motion : turn;
+                turns = true;
+            }
             else if (KaIsTranslationDOF(codes[k]))
+            {
                 translation[codes[k] - kDofTX] = _lengthScale * given[k];
+                moves = true;
+            }
     }
 
     const bool isRoot = fixed.parent < 0;
@@ -142,9 +150,15 @@ void StandardPose::_evaluateBody(int body,
     const KtVec3d& parentEnd =
         isRoot ? _rootPosition : _posed[fixed.parent].end;
 
+    // A body that does not turn keeps its parent's rotation exactly (C . C^-1
+    // would be the identity only to rounding), and one that does not move
+    // starts at its parent's end.
     Posed& posed = _posed[body];
-    posed.relative = fixed.axisFrame * motion * fixed.inverseAxisFrame;
-    posed.rotation = parentRotation * posed.relative;
-    posed.start = parentEnd + parentRotation * (fixed.axisFrame * translation);
+    posed.relative =
+        turns ? fixed.axisFrame * motion * fixed.inverseAxisFrame : KtMat3d();
+    posed.rotation = turns ? parentRotation * posed.relative : parentRotation;
+    posed.start =
+        moves ? parentEnd + parentRotation * (fixed.axisFrame * translation)
+              : parentEnd;
     posed.end = posed.start + posed.rotation * fixed.boneVector;
 }

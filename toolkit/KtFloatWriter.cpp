@@ -15,6 +15,12 @@ void KtFloatWriter::_slowNumber(float value)
     _out << value;
 }
 
+void KtFloatWriter::_slowNumber(double value)
+{
+    flush();
+    _out << value;
+}
+
 void KtFloatWriter::flush()
 {
     _out.write(_block, _end - _block);

@@ -1,15 +1,15 @@
-// KtFloatWriter: floats and separators written to a stream in large blocks,
-// each float exactly as the stream's own insertion would write it.
+// KtFloatWriter: floats, doubles and separators written to a stream in large
+// blocks, each number exactly as the stream's own insertion would write it.
 #pragma once
 
 #include <iosfwd>
 
 #include "toolkit/KtFormatFloat.h"
 
-// Numbers take KtFormatFloat's text when the stream would write the same
-// (its default format); otherwise the stream's own insertion writes them, so
-// the text never depends on which path was taken. Whatever is collected
-// reaches the stream at the latest on flush() or destruction.
+// Numbers take KtFormatFloat's (KtFormatDouble's) text when the stream would
+// write the same (its default format); otherwise the stream's own insertion
+// writes them, so the text never depends on which path was taken. Whatever
+// is collected reaches the stream at the latest on flush() or destruction.
 class KtFloatWriter
 {
 public:
@@ -26,6 +26,14 @@ public:
         else
             _slowNumber(value);
     }
+    void number(double value)
+    {
+        _makeRoom();
+        if (_fast)
+            _end = KtFormatDouble(_end, value);
+        else
+            _slowNumber(value);
+    }
     void character(char c)
     {
         _makeRoom();
@@ -38,6 +46,7 @@ private:
     static constexpr int kBlockSize = 1 << 16;
 
     void _slowNumber(float value);
+    void _slowNumber(double value);
     void _makeRoom()
     {
         if (_end - _block >= kBlockSize)

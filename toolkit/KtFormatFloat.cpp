@@ -3,6 +3,7 @@
 #include "toolkit/KtFormatFloat.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <locale>
 #include <ostream>
@@ -22,6 +23,11 @@ constexpr int kLeastFixedExponent = -4;
 // six digits multiplies by 10^s with s from -34 to 50.
 constexpr int kMaxFivePower = 50;
 constexpr int kMaxTenPower = 38;
+// Doubles are formatted here from 2^-80 (about 8e-25) to below 2^80 (about
+// 1.2e24), where scaling them stays within 128 bits: m below 2^53 times 5^s
+// for s up to 30, or divided by 10^19 * 2^32 at most.
+constexpr int kDoubleBias = 1023;
+constexpr int kMaxDoubleBinaryExponent = 80;
 
 template <int N>
 struct Powers
@@ -83,27 +89,16 @@ Rest classify(T rest, T half)
                        : (rest == half ? Rest::kHalf : Rest::kAboveHalf);
 }
 
-// The usual magnitudes (1e-3 to 1e5) need 64 bits only: m * 5^s stays below
-// 2^64 for s up to 17.
-constexpr int kMaxNarrowFivePower = 17;
-
-Scaled scale(uint32_t m, int e, int s)
+// m * 2^e * 10^s in 128 bits: exact for the mantissas of floats and of
+// doubles, as long as m * 5^s, m * 2^e and 10^-s * 2^-e all stay below 2^128
+// (the callers keep e and s within that).
+Scaled scaleWide(uint64_t m, int e, int s)
 {
     if (s >= 0)
     {
         // 10^s = 5^s * 2^s: the product by 5^s is exact, the power of two
         // a shift.
         int shift = e + s;
-        if (s <= kMaxNarrowFivePower && shift > -64)
-        {
-            uint64_t product = m * static_cast<uint64_t>(kFive.value[s]);
-            if (shift >= 0)
-                return {product << shift, Rest::kZero};
-            uint64_t whole = product >> -shift;
-            return {whole,
-                    classify(product - (whole << -shift),
-                             uint64_t(1) << (-shift - 1))};
-        }
         Wide product = m * kFive.value[s];
         if (shift >= 0)
             return {static_cast<uint64_t>(product << shift), Rest::kZero};
@@ -117,6 +112,41 @@ Scaled scale(uint32_t m, int e, int s)
     Wide rest = numerator - whole * denominator;
     // rest / denominator against one half, without halving.
     return {static_cast<uint64_t>(whole), classify(2 * rest, denominator)};
+}
+
+// The usual magnitudes of floats (1e-3 to 1e5) need 64 bits only: m * 5^s
+// stays below 2^64 for s up to 17.
+constexpr int kMaxNarrowFivePower = 17;
+
+Scaled scale(uint32_t m, int e, int s)
+{
+    int shift = e + s;
+    if (s < 0 || s > kMaxNarrowFivePower || shift <= -64)
+        return scaleWide(m, e, s);
+    uint64_t product = m * static_cast<uint64_t>(kFive.value[s]);
+    if (shift >= 0)
+        return {product << shift, Rest::kZero};
+    uint64_t whole = product >> -shift;
+    return {whole,
+            classify(product - (whole << -shift), uint64_t(1) << (-shift - 1))};
+}
+
+// The usual magnitudes of doubles (1e-4 to 1e6) scale by 5^s of 64 bits
+// and keep their integer part and their rest within the two 64-bit halves
+// of the product: a shift of 1 to 63 bits splits it.
+constexpr int kMaxNarrowDoubleFivePower = 27;
+
+Scaled scale(uint64_t m, int e, int s)
+{
+    int drop = -(e + s);
+    if (s < 0 || s > kMaxNarrowDoubleFivePower || drop < 1 || drop > 63)
+        return scaleWide(m, e, s);
+    Wide product = m * static_cast<Wide>(static_cast<uint64_t>(kFive.value[s]));
+    auto high = static_cast<uint64_t>(product >> 64);
+    auto low = static_cast<uint64_t>(product);
+    uint64_t whole = (high << (64 - drop)) | (low >> drop);
+    uint64_t rest = low & ((uint64_t(1) << drop) - 1);
+    return {whole, classify(rest, uint64_t(1) << (drop - 1))};
 }
 
 // The same value at one decimal digit less: the dropped digit and the rest
@@ -158,9 +188,28 @@ void writePair(char* out, uint32_t pair)
     std::memcpy(out, &kDigitPairs.text[2 * pair], 2);
 }
 
-// Copies are made in whole blocks of this size (one machine move each);
-// the text that follows overwrites what a block adds past the digits.
-constexpr int kCopyBlock = 8;
+// The digits are gathered in a machine word, first digit in its lowest byte,
+// and stored whole: written to memory pair by pair and read back as a word,
+// they would stall the processor on every number.
+constexpr int kWordBytes = 8;
+constexpr uint64_t kZeroDigits = 0x303030303030ULL; // six '0'
+constexpr int kByteBits = 8;
+
+uint64_t pairBits(uint32_t pair)
+{
+    uint16_t bits = 0;
+    std::memcpy(&bits, &kDigitPairs.text[2 * pair], 2);
+    return bits;
+}
+
+// The first character at out, whatever the machine's byte order; the text
+// that follows overwrites what the word adds past its characters.
+void storeWord(char* out, uint64_t word)
+{
+    if (__BYTE_ORDER__ == __ORDER_BIG_ENDIAN__)
+        word = __builtin_bswap64(word);
+    std::memcpy(out, &word, kWordBytes);
+}
 
 char* writeExponent(char* out, int exponent)
 {
@@ -175,20 +224,21 @@ char* writeExponent(char* out, int exponent)
 // of their first digit, without trailing zeros.
 char* layOut(char* out, uint32_t n, int exponent)
 {
-    char digits[kDigits + kCopyBlock] = {};
-    writePair(digits, n / 10000);
-    writePair(digits + 2, n / 100 % 100);
-    writePair(digits + 4, n % 100);
-    int count = kDigits;
-    while (digits[count - 1] == '0') // n has a first digit that is not 0
-        --count;
+    const uint64_t digits = pairBits(n / 10000) |
+                            pairBits(n / 100 % 100) << 16 |
+                            pairBits(n % 100) << 32;
+    // Trailing '0' characters are the high zero bytes of digits ^ "000000";
+    // the first digit is not 0.
+    const int count =
+        kDigits -
+        __builtin_clzll((digits ^ kZeroDigits) << (kByteBits * 2)) / kByteBits;
 
     if (exponent < kLeastFixedExponent || exponent >= kDigits)
     {
-        out[0] = digits[0];
-        out[1] = '.';
-        std::memcpy(out + 2, digits + 1, kCopyBlock);
-        // A single digit goes without its point.
+        // "d.ddddd"; a single digit goes without its point.
+        storeWord(out,
+                  (digits & 0xff) | uint64_t('.') << kByteBits |
+                      (digits >> kByteBits) << (kByteBits * 2));
         out += count > 1 ? count + 1 : 1;
         return writeExponent(out, exponent);
     }
@@ -196,16 +246,43 @@ char* layOut(char* out, uint32_t n, int exponent)
     {
         std::memcpy(out, "0.000", 5);
         out += 1 - exponent; // "0." and the zeros after the point
-        std::memcpy(out, digits, kCopyBlock);
+        storeWord(out, digits);
         return out + count;
     }
-    int integerDigits = exponent + 1;
-    std::memcpy(out, digits, kCopyBlock);
+    const int integerDigits = exponent + 1;
     if (count <= integerDigits)
+    {
+        storeWord(out, digits);
         return out + integerDigits;
-    out[integerDigits] = '.';
-    std::memcpy(out + integerDigits + 1, digits + integerDigits, kCopyBlock);
+    }
+    // The point after the integer digits.
+    const int split = kByteBits * integerDigits;
+    const uint64_t integerPart = digits & ((uint64_t(1) << split) - 1);
+    storeWord(out,
+              integerPart | uint64_t('.') << split |
+                  (digits - integerPart) << kByteBits);
     return out + count + 1;
+}
+
+// Six digits from the scaled value, whose first digit stands at 10^exponent
+// or, when the estimate of the exponent was one short, at 10^(exponent + 1).
+char* roundAndLayOut(char* out, Scaled scaled, int exponent)
+{
+    if (scaled.whole >= kOneMillion)
+    {
+        scaled = dropDigit(scaled);
+        ++exponent;
+    }
+    auto n = static_cast<uint32_t>(scaled.whole);
+    if (scaled.rest == Rest::kAboveHalf ||
+        (scaled.rest == Rest::kHalf && (n & 1)))
+        ++n;
+    if (n == kOneMillion) // 999999.5 and up round to the next power of ten
+    {
+        n = kLeastSixDigits;
+        ++exponent;
+    }
+    return layOut(out, n, exponent);
 }
 
 } // namespace
@@ -232,25 +309,31 @@ char* KtFormatFloat(char* out, float value)
     uint32_t m = biased ? fraction | 0x800000 : fraction;
     int e = biased ? biased - 150 : -149;
     int exponent = floorLog10OfPowerOfTwo(e + bitLength(m) - 1);
-    Scaled scaled = scale(m, e, kDigits - 1 - exponent);
-    // The estimate may be one short: m * 2^e may reach the next power of ten
-    // within its binary power of two.
-    if (scaled.whole >= kOneMillion)
-    {
-        scaled = dropDigit(scaled);
-        ++exponent;
-    }
+    return roundAndLayOut(out, scale(m, e, kDigits - 1 - exponent), exponent);
+}
 
-    auto n = static_cast<uint32_t>(scaled.whole);
-    if (scaled.rest == Rest::kAboveHalf ||
-        (scaled.rest == Rest::kHalf && (n & 1)))
-        ++n;
-    if (n == kOneMillion) // 999999.5 and up round to the next power of ten
+char* KtFormatDouble(char* out, double value)
+{
+    uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    // Zero of either sign reads as the float's.
+    if ((bits << 1) == 0)
+        return KtFormatFloat(out, static_cast<float>(value));
+    int biased = static_cast<int>((bits >> 52) & 0x7ff);
+    if (biased < kDoubleBias - kMaxDoubleBinaryExponent ||
+        biased >= kDoubleBias + kMaxDoubleBinaryExponent)
     {
-        n = kLeastSixDigits;
-        ++exponent;
+        // Subnormals, the extremes and non-finite values: rare enough for
+        // printf, which gives the same text.
+        int length = std::snprintf(out, kKtFloatTextSize, "%g", value);
+        return out + length;
     }
-    return layOut(out, n, exponent);
+    if (bits >> 63)
+        *out++ = '-';
+    uint64_t m = (bits & 0xfffffffffffffULL) | (uint64_t(1) << 52);
+    int e = biased - kDoubleBias - 52;
+    int exponent = floorLog10OfPowerOfTwo(e + 52);
+    return roundAndLayOut(out, scale(m, e, kDigits - 1 - exponent), exponent);
 }
 
 bool KtStreamFormatsFloatsByDefault(const std::ostream& out)

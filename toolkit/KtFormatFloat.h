@@ -1,5 +1,5 @@
-// KtFormatFloat: the text that a stream's default insertion gives a float,
-// written without going through printf.
+// KtFormatFloat: the text that a stream's default insertion gives a float or
+// a double, written without going through printf.
 #pragma once
 
 #include <iosfwd>
@@ -16,7 +16,14 @@ constexpr int kKtFloatTextSize = 16;
 // characters, all of which may be written to.
 char* KtFormatFloat(char* out, float value);
 
-// True when inserting a float into the stream gives KtFormatFloat's text:
+// The same for a double: exactly printf's "%g" of it, under the same rules
+// and within the same room (kKtFloatTextSize). Doubles from about 8e-25 to
+// 1.2e24 in magnitude are formatted here; zero, the rest and non-finite
+// values by printf itself.
+char* KtFormatDouble(char* out, double value);
+
+// True when inserting a float or a double into the stream gives
+// KtFormatFloat's or KtFormatDouble's text:
 // the stream's default format, precision 6, width 0, and a locale whose
 // decimal point is '.' without digit grouping.
 bool KtStreamFormatsFloatsByDefault(const std::ostream& out);

@@ -196,6 +196,37 @@ TEST(KaAMCReader, FirstFieldNamesTheBonesOfEveryFieldByPosition)
     EXPECT_EQ(-1, amc.field(2).findBone("lhand"));
 }
 
+// Later fields are still read by position; the first one whose lines part
+// from the first field's (a name that differs ignoring case, a line more or
+// less) is told, and only it; a copy keeps it, a new read replaces it. Short
+// and long names alike compare exactly first, then ignoring case.
+TEST(KaAMCReader, TellsTheFirstFieldWhoseBoneLinesDiffer)
+{
+    // clang-format off
+    const struct { const char* fields; int field, line; const char* name; } cases[] = {
+        {"1\nroot 1\narm 2\n2\nROOT 3\nArm 4\n", -1, -1, ""},
+        {"1\nroot 1\narm 2\n2\nroot 3\narm 4\n3\narm 5\nroot 6\n4\nx 1\n", 2, 0, "arm"},
+        {"1\nroot 1\narm 2\n2\nroot 3\narm 4\nleg 5\n", 1, 2, "leg"},
+        {"1\nroot 1\narm 2\n2\nroot 3\n3\nroot 3\narm 4\n", 1, 1, ""},
+        {"1\nname_of_15_abcd 1\nlong_name_of_19_abc 2\n2\nNAME_OF_15_ABCD 1\nlong_name_of_19_ABC 2\n", -1, -1, ""},
+        {"1\nname_of_15_abcd 1\n2\nname_of_15_abcde 1\n", 1, 0, "name_of_15_abcde"},
+        {"1\nlong_name_of_19_abc 1\n2\nlong_name_of_19_abd 1\n", 1, 0, "long_name_of_19_abd"}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.fields);
+        KaAMC amc = scanned(kHeader + c.fields);
+        const KaAMC copy = amc;
+        EXPECT_EQ(c.field, copy.lineMismatch().field);
+        EXPECT_EQ(c.line, copy.lineMismatch().line);
+        EXPECT_STREQ(c.name, copy.lineMismatch().name.text());
+        EXPECT_STREQ(amc.boneNames()[0], amc.field(1).bone(0).name());
+        std::istringstream again(kHeader + "1\nroot 1\n");
+        amc.scanFrom(again);
+        EXPECT_EQ(-1, amc.lineMismatch().field);
+    }
+}
+
 // Frame numbers are what a stream's int extraction reads. A field ends
 // where a word starts with a digit; a failure clears the document.
 TEST(KaAMCReader, ReadsFieldsAsWritten)

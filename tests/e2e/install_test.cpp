@@ -21,7 +21,7 @@ TEST(Install, PutsEveryProgramAndItsManualPageInPlace)
                                     "/usr/local"});
     ASSERT_EQ(0, install.status) << install.err;
     const std::string prefix = dest.path() + "/usr/local";
-    for (const char* program : {"motbake", "rigbake"})
+    for (const char* program : {"motbake", "rigbake", "motexport"})
     {
         SCOPED_TRACE(program);
         RunResult run = runProgram(prefix + "/bin/" + program, {});

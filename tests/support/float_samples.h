@@ -66,3 +66,41 @@ void forEachFloatNearPowerOfTen(int spread, Visit visit)
                 visit(floatFromBits(bits + static_cast<uint32_t>(k)));
     }
 }
+
+// printf's "%g" of a double: the reference text.
+inline int referenceDoubleText(char (&text)[64], double value)
+{
+    return std::snprintf(text, sizeof text, "%g", value);
+}
+
+// Calls visit(double) for doubles on which six-digit formatting most easily
+// goes wrong: every exact tie D * 10^p (D of seven digits ending in 5, with
+// D * 5^p below 2^53 for p >= 0, or 5^-p dividing D for p < 0), and the
+// doubles next to every power of ten from 1e-30 to 1e30, spread on each side.
+// Visiting every 97th seven-digit D keeps the count modest.
+template <class Visit>
+void forEachDoubleTieAndPowerOfTen(int spread, Visit visit)
+{
+    constexpr double kTwoTo53 = 9007199254740992.0;
+    for (int p = -10; p <= 9; ++p)
+        for (long d = 1000005; d <= 9999995; d += 970)
+        {
+            double fivePower = std::pow(5.0, std::abs(p));
+            if (p >= 0 && d * fivePower < kTwoTo53)
+                visit(d * std::pow(10.0, p));
+            else if (p < 0 && std::fmod(d, fivePower) == 0)
+                visit(std::ldexp(d / fivePower, p));
+        }
+    for (int p = -30; p <= 30; ++p)
+    {
+        char text[16];
+        std::snprintf(text, sizeof text, "1e%d", p);
+        double nearest = std::strtod(text, nullptr);
+        for (int k = 0; k < spread; ++k)
+        {
+            visit(nearest);
+            visit(std::nextafter(nearest, 0.0));
+            nearest = std::nextafter(nearest, 1e300);
+        }
+    }
+}

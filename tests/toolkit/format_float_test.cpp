@@ -2,8 +2,10 @@
 // stream's insertion gives the same text.
 #include <cfloat>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <locale>
+#include <random>
 #include <sstream>
 #include <string>
 
@@ -89,6 +91,56 @@ TEST(KtFormatFloat, MatchesPrintfOnTiesPowersOfTenAndASpreadOfAllFloats)
         compare(floatFromBits(bits));
     EXPECT_GT(compare.checked(), 6000000);
     EXPECT_EQ(0, compare.mismatches());
+}
+
+// Doubles formatted here and those handed to printf (zero, subnormals, the
+// extremes, non-finite values) alike; the benchmark checks a larger sample.
+TEST(KtFormatDouble, MatchesPrintf)
+{
+    const double inf = std::numeric_limits<double>::infinity();
+    long checked = 0;
+    int mismatches = 0;
+    auto compare = [&](double value)
+    {
+        for (double signed_ : {value, -value})
+        {
+            char expected[64];
+            int length = referenceDoubleText(expected, signed_);
+            char text[kKtFloatTextSize];
+            std::string got(text, KtFormatDouble(text, signed_));
+            ++checked;
+            if (got != std::string(expected, static_cast<size_t>(length)) &&
+                ++mismatches <= 5)
+                ADD_FAILURE() << std::hexfloat << signed_ << ": " << got
+                              << " instead of " << expected;
+        }
+    };
+    for (double value : {0.0,
+                         1.0 / 30,
+                         0.1 + 0.2,
+                         999999.5,
+                         2.5e-16,
+                         1e300,
+                         DBL_MIN,
+                         DBL_TRUE_MIN,
+                         DBL_MAX,
+                         inf,
+                         std::nan("")})
+        compare(value);
+    forEachDoubleTieAndPowerOfTen(64, compare);
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 200000; ++i)
+    {
+        // Bit patterns across every magnitude, and values from 1e-6 to 1e6.
+        uint64_t bits = random();
+        double value = 0.0;
+        std::memcpy(&value, &bits, sizeof value);
+        compare(value);
+        compare(std::ldexp(static_cast<double>(random() >> 11), -53) *
+                std::pow(10.0, static_cast<int>(random() % 13) - 6));
+    }
+    EXPECT_GT(checked, 800000);
+    EXPECT_EQ(0, mismatches);
 }
 
 TEST(KtStreamFormatsFloatsByDefault, OnlyTheDefaultStateQualifies)

@@ -1,0 +1,88 @@
+// motexport's command line: what is refused before anything is read.
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "motexport/CommandLine.h"
+#include "support/test_helpers.h"
+
+namespace
+{
+
+struct Outcome
+{
+    int status;
+    std::string out;
+    std::string err;
+};
+
+Outcome runMain(std::vector<const char*> args)
+{
+    args.insert(args.begin(), "motexport");
+    StreamCapture out(std::cout);
+    StreamCapture err(std::cerr);
+    int status = motexportMain(static_cast<int>(args.size()), args.data());
+    return {status, out.text(), err.text()};
+}
+
+const std::string kBanner = "\nmotexport version 1.0\n\nCopyright (c) "
+                            "Quorvane, Inc.  All rights reserved.\n";
+
+} // namespace
+
+TEST(MotexportCommandLine, ShowsUsageAndManualPage)
+{
+    Outcome bare = runMain({});
+    EXPECT_EQ(0, bare.status);
+    EXPECT_EQ(
+        "\nUSAGE\n     motexport [-h] [-copyright] [-f] [-scale <factor>]\n"
+        "               <asf_file> <amc_file> <fps> <out_file> "
+        "[<out_file> ...]\n\nVERSION\n  1.0\n\n",
+        bare.out);
+    Outcome help = runMain({"-H"});
+    EXPECT_EQ(0, help.status);
+    EXPECT_NE(std::string::npos, help.out.find("\nBVH\n"));
+    EXPECT_NE(std::string::npos, help.out.find("\nCSV\n"));
+}
+
+// The frame rate and the scale are whole positive finite decimal numbers;
+// an output must name its format. The last case passes every check and
+// fails only on reading.
+TEST(MotexportCommandLine, RefusesBadArgumentsBeforeReading)
+{
+    const std::string fps = "ERROR: Invalid value for fps.\n";
+    const std::string scale = "ERROR: Invalid value for scale.\n";
+    // clang-format off
+    const struct { std::vector<const char*> args; std::string err; } cases[] = {
+        {{"-scale"}, "\nERROR: Expecting a scale factor.\n"},
+        {{"-f", "a.asf", "b.amc", "30"}, "ERROR: Invalid number of arguments.\n"},
+        {{"a.asf", "b.amc", "30abc", "o.bvh"}, fps},
+        {{"a.asf", "b.amc", "0", "o.bvh"}, fps},
+        {{"a.asf", "b.amc", "-5", "o.bvh"}, fps},
+        {{"a.asf", "b.amc", "inf", "o.bvh"}, fps},
+        {{"a.asf", "b.amc", "nan", "o.bvh"}, fps},
+        {{"a.asf", "b.amc", "", "o.bvh"}, fps},
+        {{"a.asf", "b.amc", " 30", "o.bvh"}, fps},
+        {{"a.asf", "b.amc", "0x1e", "o.bvh"}, fps},
+        {{"a.asf", "b.amc", "1e999", "o.bvh"}, fps},
+        {{"-scale", "0", "a.asf", "b.amc", "30", "o.bvh"}, scale},
+        {{"-SCALE", "1e-3m", "a.asf", "b.amc", "30", "o.bvh"}, scale},
+        {{"a.asf", "b.amc", "30", "o.bvh", "o.txt"},
+         "ERROR: Unknown format of output \"o.txt\": its name must end in .bvh or .csv.\n"},
+        {{"-scale", ".0254", "/no/a.asf", "b.amc", "29.97", "o.BVH", "p.Csv"},
+         errorBlock({"Unable to read \"/no/a.asf\".", "File does not exist."})}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.err);
+        Outcome run = runMain(c.args);
+        EXPECT_EQ(1, run.status);
+        EXPECT_EQ(c.err, run.err);
+        if (c.args.size() > 1)
+        {
+            EXPECT_EQ(kBanner, run.out);
+        }
+    }
+}

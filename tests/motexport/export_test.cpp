@@ -1,0 +1,197 @@
+// The exports against the standard pose: every joint of the BVH, read back
+// by BVH's own rules, and every position of the CSV stand where the pose puts
+// them, within the precision of the written numbers; and no BVH channel jumps
+// by a turn.
+#include <cmath>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "motexport/BvhWriter.h"
+#include "motexport/CsvWriter.h"
+#include "motexport/PosedMotion.h"
+#include "support/bvh_reader.h"
+#include "support/documents.h"
+#include "support/geometry3d_helpers.h"
+
+namespace
+{
+
+// Six significant digits put an angle within 5e-6 of itself and so turn a
+// bone by at most about 1e-4 rad (angles of at most 1000 degrees); over the
+// bundled skeleton's chains that moves a joint by less than 3e-5 of the
+// skeleton's extent (found: 1e-5).
+constexpr double kWritten = 3e-5;
+
+struct Exports
+{
+    std::string bvh;
+    std::string csv;
+};
+
+Exports exportBoth(PosedMotion& motion)
+{
+    std::ostringstream bvh, csv;
+    EXPECT_TRUE(writeBVH(bvh, motion));
+    EXPECT_TRUE(writeCSV(csv, motion));
+    return {bvh.str(), csv.str()};
+}
+
+// Rows of numbers after the header row.
+std::vector<std::vector<double>> readCSV(const std::string& text,
+                                         size_t columns)
+{
+    std::istringstream in(text);
+    std::string line;
+    std::getline(in, line);
+    std::vector<std::vector<double>> rows;
+    while (std::getline(in, line))
+    {
+        std::istringstream cells(line);
+        rows.emplace_back();
+        for (std::string cell; std::getline(cells, cell, ',');)
+            rows.back().push_back(std::stod(cell));
+        EXPECT_EQ(columns, rows.back().size()) << line;
+    }
+    return rows;
+}
+
+// Frame Time also gives the rate back.
+void expectExact(const KaASF& asf,
+                 const KaAMC& amc,
+                 double scale,
+                 double fps = 30)
+{
+    PosedMotion motion(asf, amc, scale, fps);
+    const Exports exports = exportBoth(motion);
+    const BvhFile bvh = readBVH(exports.bvh);
+    EXPECT_DOUBLE_EQ(fps, 1 / bvh.frameTime);
+    std::map<std::string, int> bodyOf;
+    int leaves = 0;
+    for (int body = 0; body < motion.numBodies(); ++body)
+    {
+        bodyOf[motion.name(body)] = body;
+        leaves += motion.isLeaf(body);
+    }
+    const auto csv =
+        readCSV(exports.csv, 2 + 3 * (motion.numBodies() + leaves));
+    ASSERT_EQ(static_cast<size_t>(motion.numFrames()), csv.size());
+    const double tolerance = kWritten * motion.extent();
+    for (int frame = 0; frame < motion.numFrames(); ++frame)
+    {
+        SCOPED_TRACE(frame);
+        motion.evaluate(frame);
+        const BvhPose pose = poseBVH(bvh, frame);
+        for (size_t j = 0; j < bvh.joints.size(); ++j)
+        {
+            const int body = bodyOf.at(bvh.joints[j].name);
+            EXPECT_NEAR3D(motion.start(body), pose.joints[j], tolerance);
+            if (bvh.joints[j].hasEnd)
+            {
+                EXPECT_NEAR3D(motion.end(body), pose.ends[j], tolerance)
+                    << bvh.joints[j].name;
+            }
+        }
+        const std::vector<double>& row = csv[frame];
+        EXPECT_EQ(motion.frameNumber(frame), row[0]);
+        // Nine significant digits.
+        EXPECT_NEAR(motion.time(frame), row[1], 1e-8 * (1 + row[1]));
+        size_t column = 2;
+        auto next = [&]
+        {
+            column += 3;
+            return KtVec3d(row[column - 3], row[column - 2], row[column - 1]);
+        };
+        for (int body = 0; body < motion.numBodies(); ++body)
+            EXPECT_NEAR3D(motion.start(body), next(), tolerance);
+        for (int body = 0; body < motion.numBodies(); ++body)
+            if (motion.isLeaf(body))
+            {
+                EXPECT_NEAR3D(motion.end(body), next(), tolerance);
+            }
+    }
+}
+
+// Axis angles in all three components under several axis words, DOF orders
+// other than the axis word's, a bone without DOFs, translating bones, a
+// length unit of 0.45, and the root resting away from the origin, turned
+// and moved (radians in the skeleton, degrees in the motion).
+const std::string kBones =
+    boneBlock(
+        "hip", "", "direction 0.3 -1 0.2 length 0.9 axis 0.2 -0.4 0.6 ZYX") +
+    boneBlock("femur",
+              "rz rx ry",
+              "direction 0 -1 0 length 1.8 axis 0.5 0.3 -0.8 XYZ") +
+    boneBlock("slide",
+              "tx ty rz",
+              "direction 1 0.5 0 length 0.45 axis -0.3 0.9 0.1 YZX") +
+    boneBlock(
+        "toe", "ry rx", "direction 0 0 1 length 0.4 axis 1.2 -0.6 0.4 ZXY") +
+    boneBlock(
+        "spine", "tz ry rz rx", "direction 0 1 0 length 1.2 axis 0 0 0 XYZ") +
+    boneBlock(
+        "head", "rx", "direction 0 0.2 1 length 0.5 axis 0.7 0.7 0.7 YXZ");
+const std::string kHierarchy =
+    "    root hip spine\n    hip femur\n    femur slide\n    slide toe\n"
+    "    spine head\n";
+const std::string kFrames =
+    "1\nroot 0.2 0.4 -0.3 10 -20 30\nhip\nfemur 40 -30 70\n"
+    "slide 0.1 -0.2 50\ntoe 80 -10\nspine 0.3 -40 20 -60\nhead 25\n"
+    "2\nroot 1 2 3 -170 80 95\nhip\nfemur -120 60 -150\n"
+    "slide -0.4 0.3 -175\ntoe -90 45\nspine 0 179 -89 91\nhead -170\n";
+
+} // namespace
+
+TEST(MotexportExports, StandWhereTheStandardPoseStands)
+{
+    KaASF small = skeletonFrom(
+        skeletonText("TX TY TZ RX RY RZ", kBones, kHierarchy, "0.45"));
+    small.root().setPosition(KtPoint(0.9, -0.45, 1.35));
+    KaAMC moves = motionFrom(kFrames);
+    expectExact(small, moves, 1.0, 120);
+    expectExact(small, moves, 0.0254, 29.97);
+
+    KaASF human;
+    human.read(EXAMPLES_DIR "/human.asf");
+    KaAMC walk;
+    walk.read(EXAMPLES_DIR "/walk.amc");
+    ASSERT_EQ("", printedChain());
+    expectExact(human, walk, 1.0);
+}
+
+// A middle angle of exactly +-90 degrees (Rz . Ry . Rx with DOFs in that
+// order and no axis turn) leaves the other two angles one turn between them:
+// the decomposition stays exact, without NaN. A rotation that goes round
+// continues past 180 degrees instead of jumping back by a turn.
+TEST(MotexportExports, StayExactAtTheLockAndContinuousThroughHalfATurn)
+{
+    const KaASF asf = skeletonFrom(skeletonText(
+        "TX TY TZ RX RY RZ", boneBlock("arm", "rx ry rz"), "    root arm\n"));
+    std::string frames;
+    const char* const arm[] = {"10 90 20",
+                               "10 -90 20",
+                               "0 0 100",
+                               "0 0 170",
+                               "0 0 -170",
+                               "0 0 -100",
+                               "0 0 10"};
+    int frame = 0;
+    for (const char* values : arm)
+        frames += std::to_string(++frame) + "\nroot 0 0 0 0 0 0\narm " +
+                  values + "\n";
+    const KaAMC amc = motionFrom(frames);
+    expectExact(asf, amc, 1.0);
+
+    PosedMotion motion(asf, amc, 1.0, 30);
+    const BvhFile bvh = readBVH(exportBoth(motion).bvh);
+    for (int f = 3; f < bvh.frames; ++f)
+        for (size_t c = 0; c < bvh.values[f].size(); ++c)
+            EXPECT_LT(std::fabs(bvh.values[f][c] - bvh.values[f - 1][c]), 180)
+                << "frame " << f << " channel " << c;
+    // The arm's Z channel (after the root's six) from 100 on: 170, 190, 260,
+    // 370, whichever of the two triples the turn started from.
+    EXPECT_NEAR(270, bvh.values[6][6] - bvh.values[2][6], 1e-9);
+}
