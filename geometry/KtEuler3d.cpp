@@ -51,18 +51,13 @@ double squaredDistance(const KtVec3d& a, const KtVec3d& b)
     return d[0] * d[0] + d[1] * d[1] + d[2] * d[2];
 }
 
-} // namespace
-
-KtMat3d KtAxisRotation3d(int axis, double angle)
+// The rotation about the axis whose angle has cosine c and sine s. It turns
+// p, the axis after this one cyclically, toward q, the one after that.
+KtMat3d axisRotation(int axis, double c, double s)
 {
     KtMat3d r;
-    if (!isAxisCode(axis))
-        return r;
-    // The two axes after this one, cyclically: the rotation turns p toward q.
-    int p = axis % 3;
-    int q = (axis + 1) % 3;
-    double c = std::cos(angle);
-    double s = std::sin(angle);
+    const int p = axis % 3;
+    const int q = (axis + 1) % 3;
     r[p][p] = c;
     r[p][q] = -s;
     r[q][p] = s;
@@ -70,12 +65,37 @@ KtMat3d KtAxisRotation3d(int axis, double angle)
     return r;
 }
 
+} // namespace
+
+KtMat3d KtAxisRotation3d(int axis, double angle)
+{
+    if (!isAxisCode(axis))
+        return KtMat3d();
+    return axisRotation(axis, std::cos(angle), std::sin(angle));
+}
+
+void KtTurnAfter3d(KtMat3d& m, int axis, double angle)
+{
+    if (!isAxisCode(axis))
+        return;
+    const int p = axis % 3;
+    const int q = (axis + 1) % 3;
+    const double c = std::cos(angle);
+    const double s = std::sin(angle);
+    for (int column = 0; column < 3; ++column)
+    {
+        const double mp = m[p][column];
+        const double mq = m[q][column];
+        m[p][column] = c * mp - s * mq;
+        m[q][column] = s * mp + c * mq;
+    }
+}
+
 KtMat3d KtComposeRotation3d(const KtVec3d& angles, const int (&order)[3])
 {
     KtMat3d r;
     for (int code : order)
-        if (isAxisCode(code))
-            r = KtAxisRotation3d(code, angles[code - 1]) * r;
+        KtTurnAfter3d(r, code, angles[code - 1]);
     return r;
 }
 
@@ -96,9 +116,14 @@ KtVec3d KtDecomposeRotation3d(const KtMat3d& r, const int (&order)[3])
     const double e = isCyclic(order) ? 1.0 : -1.0;
     // Adding zero turns a signed zero of an exact lock into +0, so that the
     // first angle there is 0 rather than a half turn.
-    double a = std::atan2(e * r[k][j] + 0.0, r[k][k] + 0.0);
-    // n = r . Ri(-a), of which four elements are needed.
-    const KtMat3d turn = KtAxisRotation3d(order[0], -a);
+    const double y = e * r[k][j] + 0.0;
+    const double x = r[k][k] + 0.0;
+    const double a = std::atan2(y, x);
+    // n = r . Ri(-a), of which four elements are needed; a's cosine and
+    // sine are those of the arc tangent's own terms.
+    const double h = std::sqrt(x * x + y * y);
+    const KtMat3d turn =
+        h > 0.0 ? axisRotation(order[0], x / h, -y / h) : KtMat3d();
     auto n = [&](int row, int column)
     {
         return r[row][0] * turn[0][column] + r[row][1] * turn[1][column] +

@@ -26,6 +26,9 @@
 //                                                   | the angles
 KtMat3d KtAxisRotation3d(int axis, double angle);
 KtMat3d KtComposeRotation3d(const KtVec3d& angles, const int (&order)[3]);
+// m <- R(axis, angle) . m, the rotation applied after m; it changes two rows
+// of m only.
+void KtTurnAfter3d(KtMat3d& m, int axis, double angle);
 
 // Angles that compose to r in the order: the middle axis's in [-pi/2, pi/2],
 // the others in [-pi, pi]. Each angle comes from a two-argument arc tangent

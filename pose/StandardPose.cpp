@@ -132,9 +132,8 @@ void StandardPose::_evaluateBody(int body,
         for (int k = 0; k < n; ++k)
             if (KaIsRotationDOF(codes[k]))
             {
-                KtMat3d turn = KtAxisRotation3d(codes[k] - kDofRX + 1,
-                                                angleScale * given[k]);
-                motion = turns ? turn * motion : turn;
+                KtTurnAfter3d(
+                    motion, codes[k] - kDofRX + 1, angleScale * given[k]);
                 turns = true;
             }
             else if (KaIsTranslationDOF(codes[k]))
