@@ -30,18 +30,8 @@ const std::string kFolder = "<b>&amp;'\"\xE9";
 // The document as chromium has it once the page has run.
 std::string renderedDocument(const std::string& address)
 {
-    TempDir profile;
-    return runProgram(kChromium,
-                      {"--headless",
-                       "--no-sandbox",
-                       "--disable-gpu",
-                       "--disable-quic",
-                       "--no-first-run",
-                       "--disable-background-networking",
-                       "--disable-component-update",
-                       "--disable-sync",
-                       "--user-data-dir=" + profile.path(),
-                       "--virtual-time-budget=5000",
+    return runProgram(HEADLESS_CHROMIUM,
+                      {"--virtual-time-budget=5000",
                        "--dump-dom",
                        "file://" + address})
         .out;
