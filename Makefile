@@ -19,7 +19,7 @@ FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
 FUZZ_TARGETS   := skeleton motion conversion rig commandline
 DEMO_OUTPUTS   := walk.mel walk.mov human_rig.mel walk.bvh walk.csv walk.html
 # The README's picture: the example's page at this frame, at this size.
-SCREENSHOT_FRAME := 100
+SCREENSHOT_FRAME := 88
 SCREENSHOT_SIZE  := 1200,640
 
 .PHONY: all build install test demo demo-check bench verify-format fuzz format format-check \
