@@ -84,9 +84,9 @@ private:
         return point < bodies ? point : _leaves[point - bodies];
     }
 
-    // Every frame once: the range of the offsets, each axis, and the check
-    // that every number fits the page's. Returns false with the error
-    // posted.
+    // Every frame once: the range of the offsets, each axis (the root's own
+    // offset, zero, among them), and the check that every number fits the
+    // page's. Returns false with the error posted.
     bool _measure()
     {
         KtVec3d low(0, 0, 0), high(0, 0, 0);
@@ -104,11 +104,8 @@ private:
                 }
                 for (int axis = 0; axis < 3; ++axis)
                 {
-                    const bool first = frame == 0 && point == 0;
-                    low[axis] = first ? offset[axis]
-                                      : std::min(low[axis], offset[axis]);
-                    high[axis] = first ? offset[axis]
-                                       : std::max(high[axis], offset[axis]);
+                    low[axis] = std::min(low[axis], offset[axis]);
+                    high[axis] = std::max(high[axis], offset[axis]);
                 }
             }
         }

@@ -74,6 +74,47 @@ void forEachCodePoint(const char* text, Use use)
         use(nextCodePoint(p));
 }
 
+// The character reference that stands for a character in markup, or null
+// for one that stands for itself.
+const char* htmlReference(char32_t code)
+{
+    switch (code)
+    {
+    case '&':
+        return "&amp;";
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '"':
+        return "&quot;";
+    case '\'':
+        return "&#39;";
+    default:
+        return nullptr;
+    }
+}
+
+// JSON's own escapes, and \uXXXX for what could end or hide a script
+// element or end a line in older script.
+void appendJson(std::string& out, char32_t code)
+{
+    if (code == '"' || code == '\\')
+    {
+        out += '\\';
+        out += static_cast<char>(code);
+    }
+    else if (code < 0x20 || code == '<' || code == '>' || code == '&' ||
+             code == 0x2028 || code == 0x2029)
+    {
+        out += "\\u";
+        for (int shift = 12; shift >= 0; shift -= 4)
+            out += kHexDigits[(code >> shift) & 0xF];
+    }
+    else
+        appendUtf8(out, code);
+}
+
 } // namespace
 
 std::string htmlText(const char* text)
@@ -82,26 +123,10 @@ std::string htmlText(const char* text)
     forEachCodePoint(text,
                      [&](char32_t code)
                      {
-                         switch (code)
-                         {
-                         case '&':
-                             out += "&amp;";
-                             break;
-                         case '<':
-                             out += "&lt;";
-                             break;
-                         case '>':
-                             out += "&gt;";
-                             break;
-                         case '"':
-                             out += "&quot;";
-                             break;
-                         case '\'':
-                             out += "&#39;";
-                             break;
-                         default:
+                         if (const char* reference = htmlReference(code))
+                             out += reference;
+                         else
                              appendUtf8(out, code);
-                         }
                      });
     return out;
 }
@@ -109,25 +134,7 @@ std::string htmlText(const char* text)
 std::string jsonString(const char* text)
 {
     std::string out = "\"";
-    forEachCodePoint(text,
-                     [&](char32_t code)
-                     {
-                         if (code == '"' || code == '\\')
-                         {
-                             out += '\\';
-                             out += static_cast<char>(code);
-                         }
-                         else if (code < 0x20 || code == '<' || code == '>' ||
-                                  code == '&' || code == 0x2028 ||
-                                  code == 0x2029)
-                         {
-                             out += "\\u";
-                             for (int shift = 12; shift >= 0; shift -= 4)
-                                 out += kHexDigits[(code >> shift) & 0xF];
-                         }
-                         else
-                             appendUtf8(out, code);
-                     });
+    forEachCodePoint(text, [&](char32_t code) { appendJson(out, code); });
     return out + '"';
 }
 
