@@ -1,5 +1,6 @@
 # The front door: make demo, make test, make demo-check, make build,
-# make install, make bench, make verify-format, make fuzz, make format, make format-check.
+# make install, make bench, make verify-format, make fuzz, make format,
+# make format-check, make screenshot.
 # Missing Debian packages are installed when run as root.
 
 BUILD_DIR  ?= build/release
@@ -13,12 +14,16 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 
 BUILD_PACKAGES := cmake g++ make
 TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs \
-                  man-db groff-base python3-numpy python3-pandas
+                  man-db groff-base python3-numpy python3-pandas chromium
 FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
 FUZZ_TARGETS   := skeleton motion conversion rig commandline
-DEMO_OUTPUTS   := walk.mel walk.mov human_rig.mel walk.bvh walk.csv
+DEMO_OUTPUTS   := walk.mel walk.mov human_rig.mel walk.bvh walk.csv walk.html
+# The README's picture: the example's page at this frame, at this size.
+SCREENSHOT_FRAME := 88
+SCREENSHOT_SIZE  := 1200,640
 
-.PHONY: all build install test demo demo-check bench verify-format fuzz format format-check clean
+.PHONY: all build install test demo demo-check bench verify-format fuzz format format-check \
+        screenshot clean
 
 all: build
 
@@ -33,14 +38,14 @@ install: build
 	DESTDIR="$(DESTDIR)" cmake --install $(BUILD_DIR) --prefix "$(PREFIX)"
 
 # Converts the bundled example into out/, showing the progress lines, and
-# writes the rig script of its skeleton and the BVH and CSV exports.
+# writes the rig script of its skeleton and the BVH, CSV and HTML exports.
 demo: build
 	mkdir -p out
 	$(BUILD_DIR)/app/motbake -f examples/human.asf examples/walk.amc 30 \
 	    out/walk.mel out/walk.mov
 	$(BUILD_DIR)/rigbake/rigbake -f examples/human.asf out/human_rig.mel
 	$(BUILD_DIR)/motexport/motexport -f examples/human.asf examples/walk.amc 30 \
-	    out/walk.bvh out/walk.csv
+	    out/walk.bvh out/walk.csv out/walk.html
 
 # The Release build that users run: the demo's outputs must equal the
 # expected files byte for byte.
@@ -49,6 +54,16 @@ demo-check: demo
 	    cmp out/$$file examples/expected/$$file || exit 1; \
 	done
 	@echo "demo outputs equal examples/expected/"
+
+# The picture at the top of the README: the demo's page in headless
+# chromium, paused at a fixed frame, at a fixed size.
+screenshot: demo
+	@tools/require-packages chromium
+	mkdir -p docs
+	tools/headless-chromium --window-size=$(SCREENSHOT_SIZE) \
+	    --virtual-time-budget=5000 --screenshot=docs/viewer.png \
+	    "file://$(CURDIR)/out/walk.html#frame=$(SCREENSHOT_FRAME)"
+	@echo "wrote docs/viewer.png"
 
 # Sanitizers and warnings-as-errors, then every test.
 test:

@@ -1,7 +1,8 @@
 // bench_run: generates the benchmark captures, times the converter and the
 // exporter's BVH and CSV against the baseline on them (alternating runs,
-// medians) and prints the table, then shows how time and memory grow with
-// the number of frames, and the converter's peak memory on hostile shapes.
+// medians) and prints the table, measures the exporter's page of a long
+// public capture's length, then shows how time and memory grow with the
+// number of frames, and the converter's peak memory on hostile shapes.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -20,6 +21,13 @@ namespace
 {
 
 constexpr double kMB = 1e6;
+
+// The page: a take as long as a long public capture, the most that its
+// page may weigh, and how soon it must be playing.
+constexpr long kPageFrames = 3300;
+constexpr double kPageTargetMB = 3.0;
+constexpr double kReadyTargetMs = 1000.0;
+constexpr int kPageLoads = 3;
 
 struct Options
 {
@@ -78,9 +86,11 @@ std::string loadAverage()
     return load.substr(0, end);
 }
 
-// Runs a program with its output streams discarded; the time is wall time
-// from start to exit, the memory the child's own peak.
-Sample run(const std::vector<std::string>& command)
+// Runs a program with its standard output to outPath and its errors
+// discarded; the time is wall time from start to exit, the memory the
+// child's own peak.
+Sample run(const std::vector<std::string>& command,
+           const std::string& outPath = "/dev/null")
 {
     std::vector<char*> argv;
     for (const std::string& arg : command)
@@ -93,8 +103,9 @@ Sample run(const std::vector<std::string>& command)
         fail("cannot fork");
     if (child == 0)
     {
+        int out = open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
         int null = open("/dev/null", O_WRONLY);
-        dup2(null, STDOUT_FILENO);
+        dup2(out, STDOUT_FILENO);
         dup2(null, STDERR_FILENO);
         execv(argv[0], argv.data());
         _exit(127);
@@ -340,6 +351,64 @@ void compare(const Options& options)
         options, captures[0], median(base[0]), median(bvh), median(csv));
 }
 
+// The page's own report of when it drew its first frame, in milliseconds
+// from the start of its navigation; negative when it has none.
+double readyMs(const std::string& documentPath)
+{
+    std::ifstream in(documentPath);
+    for (std::string line; std::getline(in, line);)
+        if (line.compare(0, 9, "ready-ms ") == 0)
+            return std::atof(line.c_str() + 9);
+    return -1.0;
+}
+
+// The page of a take as long as a long public capture: its size, the
+// export's time, and how soon headless chromium has it drawn and playing.
+void page(const Options& options)
+{
+    const Capture c = capture(options, "standard", kPageFrames);
+    const std::string html = options.work + "/out-page.html";
+    const Sample exported =
+        run({MOTEXPORT_BIN, "-f", c.asf, c.amc, "30", html});
+    std::printf("\npage, motexport -f to .html, %ld frames\n\n", kPageFrames);
+    std::printf("  size %.2f MB (target at most %.1f), export %.3f s\n",
+                fileMB(html),
+                kPageTargetMB,
+                exported.seconds);
+    if (access("/usr/bin/chromium", X_OK) != 0)
+    {
+        std::printf("  chromium is not installed (make test installs it): "
+                    "no load time\n");
+        return;
+    }
+    char* absolute = realpath(html.c_str(), nullptr);
+    const std::string address = std::string("file://") + absolute;
+    std::free(absolute);
+    const std::string document = options.work + "/out-page.dom";
+    std::vector<double> ready;
+    std::vector<Sample> loads;
+    for (int i = 0; i < kPageLoads; ++i)
+    {
+        loads.push_back(
+            run({HEADLESS_CHROMIUM, "--dump-dom", address}, document));
+        ready.push_back(readyMs(document));
+    }
+    std::sort(ready.begin(), ready.end());
+    if (ready.front() < 0)
+    {
+        std::printf("  the page reported no first frame: see %s\n",
+                    document.c_str());
+        return;
+    }
+    std::printf("  first frame drawn %.0f ms after the page's navigation "
+                "started (target %.0f), median of %d; chromium's whole run "
+                "%.2f s\n",
+                ready[kPageLoads / 2],
+                kReadyTargetMs,
+                kPageLoads,
+                median(loads).seconds);
+}
+
 void growth(const Options& options)
 {
     std::printf(
@@ -468,6 +537,7 @@ int main(int argc, char** argv)
     Options options = parse(argc, argv);
     mkdir(options.work.c_str(), 0777);
     compare(options);
+    page(options);
     growth(options);
     if (options.memoryMB > 0.0)
         memory(options);

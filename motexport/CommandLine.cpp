@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
+#include <iterator>
 
 #include "motexport/ExportFormat.h"
 #include "motexport/ExportRun.h"
@@ -58,6 +59,14 @@ bool parsePositive(const char* text, double* value)
     return std::isfinite(*value) && *value > 0.0;
 }
 
+// "y" or "z", ignoring case.
+bool parseUpAxis(const char* text, bool* zUp)
+{
+    const KtStr axis(text);
+    *zUp = axis.iCmp("z") == 0;
+    return *zUp || axis.iCmp("y") == 0;
+}
+
 } // namespace
 
 int motexportMain(int argc, const char* const* argv)
@@ -74,15 +83,17 @@ bool parseExportCommandLine(int argc,
                             int* status)
 {
     const char* scaleText = nullptr;
-    const ProgramOption scale = {
-        "-scale", &scaleText, "\nERROR: Expecting a scale factor.\n"};
+    const char* upText = nullptr;
+    const ProgramOption options[] = {
+        {"-scale", &scaleText, "\nERROR: Expecting a scale factor.\n"},
+        {"-up", &upText, "\nERROR: Expecting an up axis, y or z.\n"}};
     ProgramDescription program;
     program.name = "motexport";
     program.version = kMotexportVersion;
     program.printUsage = printExportUsage;
     program.printManpage = printExportManpage;
-    program.options = &scale;
-    program.numOptions = 1;
+    program.options = options;
+    program.numOptions = static_cast<int>(std::size(options));
     const ProgramStart start = startProgram(argc, argv, program);
     *status = start.exitStatus;
     if (start.finished)
@@ -105,6 +116,11 @@ bool parseExportCommandLine(int argc,
         std::cerr << "ERROR: Invalid value for scale.\n";
         return false;
     }
+    if (upText && !parseUpAxis(upText, &run->zUp))
+    {
+        std::cerr << "ERROR: Invalid value for up: expecting y or z.\n";
+        return false;
+    }
     for (int i = kLeastPositional - 1; i < start.numPositional; ++i)
     {
         if (!exportFormatOf(positional[i]))
@@ -125,7 +141,7 @@ bool parseExportCommandLine(int argc,
 void printExportUsage(std::ostream& out, const KtStr& programName)
 {
     out << "     " << programName
-        << " [-h] [-copyright] [-f] [-scale <factor>]\n"
+        << " [-h] [-copyright] [-f] [-scale <factor>] [-up y|z]\n"
         << "               <asf_file> <amc_file> <fps> <out_file> "
            "[<out_file> ...]\n";
 }
@@ -135,7 +151,9 @@ void printExportManpage(std::ostream& out, const KtStr& programName)
     out << "\n"
         << "NAME\n"
         << "     " << programName
-        << " - export ASF/AMC data to BVH and to joint positions (CSV).\n"
+        << " - export ASF/AMC data to BVH, to joint positions (CSV) and "
+           "to a\n"
+        << "     page that plays it (HTML).\n"
         << "\n"
         << "SYNOPSIS\n";
     printExportUsage(out, programName);
@@ -147,7 +165,10 @@ void printExportManpage(std::ostream& out, const KtStr& programName)
         << "\n"
         << "     .bvh   a BVH file, for Blender and other animation "
            "packages;\n"
-        << "     .csv   the world position of every joint in every frame.\n"
+        << "     .csv   the world position of every joint in every frame;\n"
+        << "     .html  a page that draws the skeleton and plays the motion "
+           "in a\n"
+        << "            web browser.\n"
         << "\n"
         << "     The motion is posed on the skeleton's standard pose.  "
            "Lengths are\n"
@@ -182,6 +203,12 @@ void printExportManpage(std::ostream& out, const KtStr& programName)
            "default.\n"
         << "                 -scale 0.0254 turns inches into metres.\n"
         << "\n"
+        << "     -up         The axis that points up in the capture, y "
+           "(the\n"
+        << "                 default, as in the public collections) or z; "
+           "for the\n"
+        << "                 page only.\n"
+        << "\n"
         << "     asf_file    The file that contains a skeleton's "
            "definition.\n"
         << "\n"
@@ -191,7 +218,8 @@ void printExportManpage(std::ostream& out, const KtStr& programName)
            "positive\n"
         << "                 number, such as 120, 60 or 29.97.\n"
         << "\n"
-        << "     out_file    An output file, ending in .bvh or .csv.\n"
+        << "     out_file    An output file, ending in .bvh, .csv or "
+           ".html.\n"
         << "\n";
     out << "BVH\n"
         << "     The root is ROOT root with six channels, Xposition "
@@ -226,11 +254,29 @@ void printExportManpage(std::ostream& out, const KtStr& programName)
            "skeleton\n"
         << "     order) and of the end of every leaf bone.\n"
         << "\n";
+    out << "HTML\n"
+        << "     One file with everything inside, which opens from disk in "
+           "any\n"
+        << "     current browser: the bones as lines and the joints as dots, "
+           "the\n"
+        << "     root's path and a grid on the ground (one cell is the "
+           "length\n"
+        << "     written beside it), seen by a camera that follows the "
+           "figure.\n"
+        << "     Drag to orbit, the wheel zooms and R resets the view; space "
+           "plays\n"
+        << "     and pauses, the arrow keys step one frame.  The page "
+           "plays in\n"
+        << "     real time at fps; page.html#frame=N opens it paused at "
+           "frame N.\n"
+        << "\n";
     out << "EXAMPLES\n"
         << "     motexport human.asf walk.amc 120 walk.bvh\n"
         << "\n"
         << "     motexport -scale 0.0254 human.asf walk.amc 29.97 walk.bvh "
            "walk.csv\n"
+        << "\n"
+        << "     motexport -up z dance.asf dance.amc 120 dance.html\n"
         << "\n";
     out << "SEE ALSO\n"
         << "     motbake, rigbake\n"

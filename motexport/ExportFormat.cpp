@@ -6,12 +6,21 @@
 
 #include "motexport/BvhWriter.h"
 #include "motexport/CsvWriter.h"
+#include "motexport/HtmlWriter.h"
 #include "toolkit/KtStr.h"
 
 namespace
 {
 
-constexpr ExportFormat kFormats[] = {{".bvh", writeBVH}, {".csv", writeCSV}};
+// BVH and CSV show nothing of the run but the motion.
+constexpr ExportFormat kFormats[] = {
+    {".bvh",
+     [](std::ostream& out, PosedMotion& motion, const ExportSource&)
+     { return writeBVH(out, motion); }},
+    {".csv",
+     [](std::ostream& out, PosedMotion& motion, const ExportSource&)
+     { return writeCSV(out, motion); }},
+    {".html", writeHTML}};
 
 } // namespace
 

@@ -42,13 +42,19 @@ int runExport(const ExportArguments& run)
     PosedMotion motion(asf, amc, run.scale, run.fps);
     if (!checkDocuments(asf, amc, motion))
         return kExitFailure;
+    ExportSource source;
+    source.asfFile = run.asfFile;
+    source.amcFile = run.amcFile;
+    source.skeletonName = asf.header().name.text();
+    source.zUp = run.zUp;
     for (const char* path : run.outputs)
     {
         if (!run.noPrompt && !askOverwrite(path))
             continue;
         const ExportFormat* format = exportFormatOf(path);
-        writeOutputFileWhole(
-            path, [&](std::ostream& out) { format->write(out, motion); });
+        writeOutputFileWhole(path,
+                             [&](std::ostream& out)
+                             { format->write(out, motion, source); });
         if (KtCheckException())
             return kExitFailure;
     }

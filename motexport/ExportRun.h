@@ -10,6 +10,7 @@ struct ExportArguments
     const char* amcFile = nullptr;
     double fps = 0.0;   // positive
     double scale = 1.0; // positive; multiplies every length
+    bool zUp = false;   // -up z: for the page only
     // Each with a known extension (exportFormatOf).
     std::vector<const char*> outputs;
     bool noPrompt = false; // -f: overwrite without asking

@@ -36,19 +36,20 @@ TEST(MotexportCommandLine, ShowsUsageAndManualPage)
 {
     Outcome bare = runMain({});
     EXPECT_EQ(0, bare.status);
-    EXPECT_EQ(
-        "\nUSAGE\n     motexport [-h] [-copyright] [-f] [-scale <factor>]\n"
-        "               <asf_file> <amc_file> <fps> <out_file> "
-        "[<out_file> ...]\n\nVERSION\n  1.0\n\n",
-        bare.out);
+    EXPECT_EQ("\nUSAGE\n     motexport [-h] [-copyright] [-f] [-scale "
+              "<factor>] [-up y|z]\n"
+              "               <asf_file> <amc_file> <fps> <out_file> "
+              "[<out_file> ...]\n\nVERSION\n  1.0\n\n",
+              bare.out);
     Outcome help = runMain({"-H"});
     EXPECT_EQ(0, help.status);
     EXPECT_NE(std::string::npos, help.out.find("\nBVH\n"));
     EXPECT_NE(std::string::npos, help.out.find("\nCSV\n"));
+    EXPECT_NE(std::string::npos, help.out.find("\nHTML\n"));
 }
 
-// The frame rate and the scale are whole positive finite decimal numbers;
-// an output must name its format. The last case passes every check and
+// The frame rate and the scale are whole positive finite decimal numbers,
+// the up axis y or z; an output must name its format. The last case passes every check and
 // fails only on reading.
 TEST(MotexportCommandLine, RefusesBadArgumentsBeforeReading)
 {
@@ -69,9 +70,12 @@ TEST(MotexportCommandLine, RefusesBadArgumentsBeforeReading)
         {{"a.asf", "b.amc", "1e999", "o.bvh"}, fps},
         {{"-scale", "0", "a.asf", "b.amc", "30", "o.bvh"}, scale},
         {{"-SCALE", "1e-3m", "a.asf", "b.amc", "30", "o.bvh"}, scale},
+        {{"-up"}, "\nERROR: Expecting an up axis, y or z.\n"},
+        {{"-up", "x", "a.asf", "b.amc", "30", "o.html"},
+         "ERROR: Invalid value for up: expecting y or z.\n"},
         {{"a.asf", "b.amc", "30", "o.bvh", "o.txt"},
-         "ERROR: Unknown format of output \"o.txt\": its name must end in .bvh or .csv.\n"},
-        {{"-scale", ".0254", "/no/a.asf", "b.amc", "29.97", "o.BVH", "p.Csv"},
+         "ERROR: Unknown format of output \"o.txt\": its name must end in .bvh, .csv or .html.\n"},
+        {{"-scale", ".0254", "-UP", "Z", "/no/a.asf", "b.amc", "29.97", "o.BVH", "p.Csv", "q.HTML"},
          errorBlock({"Unable to read \"/no/a.asf\".", "File does not exist."})}};
     // clang-format on
     for (const auto& c : cases)

@@ -1,0 +1,166 @@
+// motexport's page in a real browser: headless chromium opens the bundled
+// example, exported under names that hold markup, and the page reports what
+// it drew in its status element.
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "e2e/e2e_runner.h"
+#include "support/test_helpers.h"
+
+namespace
+{
+
+constexpr const char* kChromium = "/usr/bin/chromium";
+
+// The offsets' 16-bit step (under 1e-3 of the example's unit), the CSV's six
+// digits and the status's four decimals.
+constexpr double kPlaceTolerance = 2e-3;
+
+// What an ASF name may hold: no blank, '<' or '>'. File names may hold
+// anything, "</script>" across two folders.
+const std::string kSkeletonName = "&amp;\"'\xE9";
+const std::string kFolder = "<b>&amp;'\"\xE9";
+
+// The document as chromium has it once the page has run.
+std::string renderedDocument(const std::string& address)
+{
+    return runProgram(HEADLESS_CHROMIUM,
+                      {"--virtual-time-budget=5000",
+                       "--dump-dom",
+                       "file://" + address})
+        .out;
+}
+
+// The page's status, "key value" lines, as a list of key, value.
+std::vector<std::pair<std::string, std::string>>
+statusOf(const std::string& document)
+{
+    const std::string open = "<pre id=\"status\" hidden=\"\">";
+    const size_t begin = document.find(open);
+    if (begin == std::string::npos)
+        return {};
+    const size_t end = document.find("</pre>", begin);
+    std::istringstream lines(
+        document.substr(begin + open.size(), end - begin - open.size()));
+    std::vector<std::pair<std::string, std::string>> status;
+    for (std::string line; std::getline(lines, line);)
+    {
+        const size_t space = std::min(line.find(' '), line.size());
+        status.emplace_back(line.substr(0, space),
+                            line.substr(std::min(space + 1, line.size())));
+    }
+    return status;
+}
+
+std::string
+valueOf(const std::vector<std::pair<std::string, std::string>>& status,
+        const std::string& key)
+{
+    for (const auto& [name, value] : status)
+        if (name == key)
+            return value;
+    return "(none)";
+}
+
+std::vector<double> numbersIn(std::string text, char separator)
+{
+    std::replace(text.begin(), text.end(), separator, ' ');
+    std::istringstream in(text);
+    std::vector<double> numbers;
+    for (double number; in >> number;)
+        numbers.push_back(number);
+    return numbers;
+}
+
+// Text as a browser writes it out: markup characters as references, a byte
+// that is not UTF-8 as U+FFFD.
+std::string asSerialised(const std::string& text)
+{
+    std::string out;
+    for (char c : text)
+        out += c == '&'      ? "&amp;"
+               : c == '<'    ? "&lt;"
+               : c == '>'    ? "&gt;"
+               : c == '\xE9' ? "\xEF\xBF\xBD"
+                             : std::string(1, c);
+    return out;
+}
+
+} // namespace
+
+// Frames 1 and 11 of the walk: drawn without a script error, each joint
+// where the CSV puts it, and differently; every name as text, nothing of it
+// as markup.
+TEST(MotexportViewer, DrawsEachFrameInABrowserWithNamesAsText)
+{
+    if (access(kChromium, X_OK) != 0)
+        GTEST_SKIP() << kChromium << " is not installed (make test installs "
+                     << "it): the page is not tried in a browser.";
+    TempDir dir;
+    const std::string folder = dir.file(kFolder);
+    for (const std::string& path :
+         {folder, folder + "/<", folder + "/</script>"})
+        ASSERT_EQ(0, mkdir(path.c_str(), 0777)) << path;
+    const std::string asf = folder + "/</script>/human.asf";
+    const std::string amc = folder + "/</script>/walk.amc";
+    std::string skeleton = readFile(EXAMPLES_DIR "/human.asf");
+    const std::string name = ":name example_human";
+    skeleton.replace(
+        skeleton.find(name), name.size(), ":name " + kSkeletonName);
+    writeFile(asf, skeleton);
+    writeFile(amc, readFile(EXAMPLES_DIR "/walk.amc"));
+    const std::string page = dir.file("walk.html");
+    const std::string csv = dir.file("walk.csv");
+    RunResult run =
+        runProgram(MOTEXPORT_BIN, {"-f", asf, amc, "30", page, csv});
+    ASSERT_EQ(0, run.status) << run.err;
+    std::vector<std::string> rows;
+    std::istringstream csvLines(readFile(csv));
+    for (std::string line; std::getline(csvLines, line);)
+        rows.push_back(line);
+
+    std::string hashes[2];
+    const int frames[] = {1, 11};
+    for (int i = 0; i < 2; ++i)
+    {
+        SCOPED_TRACE(frames[i]);
+        const std::string document =
+            renderedDocument(page + "#frame=" + std::to_string(frames[i]));
+        const auto status = statusOf(document);
+        EXPECT_EQ("ready", valueOf(status, "state"));
+        EXPECT_EQ("", valueOf(status, "error"));
+        EXPECT_EQ("240", valueOf(status, "frames"));
+        EXPECT_EQ(std::to_string(frames[i]), valueOf(status, "frame"));
+        hashes[i] = valueOf(status, "hash");
+
+        // The CSV's row: frame, time, then the same points in the same order.
+        const std::vector<double> row = numbersIn(rows[frames[i]], ',');
+        const std::vector<double> drawn =
+            numbersIn(valueOf(status, "points"), ',');
+        ASSERT_EQ(row.size(), drawn.size() + 2);
+        for (size_t v = 0; v < drawn.size(); ++v)
+            EXPECT_NEAR(row[v + 2], drawn[v], kPlaceTolerance) << v;
+
+        for (const auto& [id, text] :
+             {std::pair{"skeleton-name", kSkeletonName},
+              std::pair{"skeleton-file", asf},
+              std::pair{"motion-file", amc}})
+        {
+            const std::string shown = std::string("id=\"") + id + "\"";
+            const size_t at = document.find(shown);
+            ASSERT_NE(std::string::npos, at) << id;
+            const size_t begin = document.find('>', at) + 1;
+            EXPECT_EQ(
+                asSerialised(text),
+                document.substr(begin, document.find('<', begin) - begin));
+        }
+        EXPECT_EQ(std::string::npos, document.find("<b>"));
+    }
+    EXPECT_NE(hashes[0], hashes[1]);
+}
