@@ -16,7 +16,7 @@ BUILD_PACKAGES := cmake g++ make
 TEST_PACKAGES  := $(BUILD_PACKAGES) libgtest-dev gzip ncompress libjpeg-turbo-progs \
                   man-db groff-base python3-numpy python3-pandas chromium
 FUZZ_PACKAGES  := cmake make clang libclang-rt-14-dev
-FUZZ_TARGETS   := skeleton motion conversion rig commandline
+FUZZ_TARGETS   := skeleton motion conversion rig export commandline
 DEMO_OUTPUTS   := walk.mel walk.mov human_rig.mel walk.bvh walk.csv walk.html
 # The README's picture: the example's page at this frame, at this size.
 SCREENSHOT_FRAME := 88
