@@ -8,6 +8,7 @@
 #include "app/RunSequence.h"
 #include "app/Version.h"
 #include "program/ExitStatus.h"
+#include "program/ProgramManual.h"
 #include "program/ProgramStart.h"
 
 namespace
@@ -112,14 +113,8 @@ void printManpage(std::ostream& out, const KtStr& programName)
         << "\n"
         << "     " << programName << " has the following parameters:\n"
         << "\n";
-    out << "     -h          Displays this manpage.\n"
-        << "\n"
-        << "     -copyright  Display copyright information.\n"
-        << "\n"
-        << "     -f          When used, " << programName
-        << " will overwrite files without verification.\n"
-        << "\n"
-        << "     -filter     Specifies the names of the filters to be applied "
+    printCommonOptions(out, programName);
+    out << "     -filter     Specifies the names of the filters to be applied "
            "when\n"
         << "                 the data is imported.  The filters must be in the "
            "active\n"
@@ -155,20 +150,8 @@ void printManpage(std::ostream& out, const KtStr& programName)
     out << "SEE ALSO\n"
         << "     rigbake\n"
         << "\n";
-    out << "AVAILABILITY\n"
-        << "     " << programName
-        << " is distributed with the Quorvane motion-capture tools,\n"
-        << "     together with rigbake and the ASF and AMC libraries.\n"
-        << "\n"
-        << "     Please send problem reports and suggestions to Quorvane\n"
-        << "     support, with the command line and the input files.\n"
-        << "\n";
-    out << "CREDITS\n"
-        << "     " << programName
-        << " was written and is maintained by Quorvane, Inc.\n"
-        << "\n"
-        << "     Maya is a trademark of its owner.\n"
-        << "\n";
+    printAvailabilityAndCredits(
+        out, programName, "rigbake", "the input files", true);
 }
 
 void printCopyright(std::ostream& out, const KtStr& programName)

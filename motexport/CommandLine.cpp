@@ -10,6 +10,7 @@
 #include "motexport/ExportRun.h"
 #include "motexport/Version.h"
 #include "program/ExitStatus.h"
+#include "program/ProgramManual.h"
 #include "program/ProgramStart.h"
 
 namespace
@@ -190,14 +191,8 @@ void printExportManpage(std::ostream& out, const KtStr& programName)
         << "\n"
         << "     " << programName << " has the following parameters:\n"
         << "\n";
-    out << "     -h          Displays this manpage.\n"
-        << "\n"
-        << "     -copyright  Display copyright information.\n"
-        << "\n"
-        << "     -f          When used, " << programName
-        << " will overwrite files without verification.\n"
-        << "\n"
-        << "     -scale      Multiplies every length (offsets and "
+    printCommonOptions(out, programName);
+    out << "     -scale      Multiplies every length (offsets and "
            "positions, not\n"
         << "                 angles or times); a positive number, 1 by "
            "default.\n"
@@ -281,17 +276,6 @@ void printExportManpage(std::ostream& out, const KtStr& programName)
     out << "SEE ALSO\n"
         << "     motbake, rigbake\n"
         << "\n";
-    out << "AVAILABILITY\n"
-        << "     " << programName
-        << " is distributed with the Quorvane motion-capture tools,\n"
-        << "     together with motbake, rigbake and the ASF and AMC "
-           "libraries.\n"
-        << "\n"
-        << "     Please send problem reports and suggestions to Quorvane\n"
-        << "     support, with the command line and the input files.\n"
-        << "\n";
-    out << "CREDITS\n"
-        << "     " << programName
-        << " was written and is maintained by Quorvane, Inc.\n"
-        << "\n";
+    printAvailabilityAndCredits(
+        out, programName, "motbake, rigbake", "the input files", false);
 }

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "program/ExitStatus.h"
+#include "program/ProgramManual.h"
 #include "program/ProgramStart.h"
 #include "rigbake/RunSequence.h"
 #include "rigbake/Version.h"
@@ -79,13 +80,7 @@ void printRigbakeManpage(std::ostream& out, const KtStr& programName)
         << "\n"
         << "     " << programName << " has the following parameters:\n"
         << "\n";
-    out << "     -h          Displays this manpage.\n"
-        << "\n"
-        << "     -copyright  Display copyright information.\n"
-        << "\n"
-        << "     -f          When used, " << programName
-        << " will overwrite files without verification.\n"
-        << "\n";
+    printCommonOptions(out, programName);
     out << "     asf_file    The file that contains a skeleton's definition.\n"
         << "\n"
         << "     mel_file    The MEL script output file name.\n"
@@ -96,18 +91,6 @@ void printRigbakeManpage(std::ostream& out, const KtStr& programName)
     out << "SEE ALSO\n"
         << "     motbake\n"
         << "\n";
-    out << "AVAILABILITY\n"
-        << "     " << programName
-        << " is distributed with the Quorvane motion-capture tools,\n"
-        << "     together with motbake and the ASF and AMC libraries.\n"
-        << "\n"
-        << "     Please send problem reports and suggestions to Quorvane\n"
-        << "     support, with the command line and the input file.\n"
-        << "\n";
-    out << "CREDITS\n"
-        << "     " << programName
-        << " was written and is maintained by Quorvane, Inc.\n"
-        << "\n"
-        << "     Maya is a trademark of its owner.\n"
-        << "\n";
+    printAvailabilityAndCredits(
+        out, programName, "motbake", "the input file", true);
 }
