@@ -95,7 +95,8 @@ KtMat3d KtComposeRotation3d(const KtVec3d& angles, const int (&order)[3])
 {
     KtMat3d r;
     for (int code : order)
-        KtTurnAfter3d(r, code, angles[code - 1]);
+        if (isAxisCode(code))
+            KtTurnAfter3d(r, code, angles[code - 1]);
     return r;
 }
 

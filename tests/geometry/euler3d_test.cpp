@@ -5,13 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include "geometry/KtAngles.h"
 #include "geometry/KtEuler3d.h"
 #include "support/geometry3d_helpers.h"
 
 namespace
 {
 
-constexpr double kPi = 3.141592653589793;
+constexpr double kPi = kKtPi;
 constexpr double kQuarter = kPi / 2;
 constexpr int kOrders[6][3] = {
     {1, 2, 3}, {2, 3, 1}, {3, 1, 2}, {1, 3, 2}, {2, 1, 3}, {3, 2, 1}};
@@ -30,6 +31,11 @@ TEST(KtComposeRotation3d, TurnsAboutTheOrdersFirstAxisFirst)
     EXPECT_NEAR3D(kX, KtAxisRotation3d(2, kQuarter) * kZ, kTolerance);
     EXPECT_NEAR3D(kY, KtAxisRotation3d(3, kQuarter) * kX, kTolerance);
     EXPECT_NEAR3D(KtMat3d(), KtAxisRotation3d(0, 1.0), 0.0);
+    // A skeleton without an axis word has the order (0, 0, 0).
+    EXPECT_NEAR3D(KtMat3d(), KtComposeRotation3d(kX, {0, 0, 0}), 0.0);
+    EXPECT_NEAR3D(KtAxisRotation3d(1, 1.0),
+                  KtComposeRotation3d(kX, {0, 1, 4}),
+                  kTolerance);
     const KtVec3d xy(kQuarter, kQuarter, 0);
     EXPECT_NEAR3D(kX, KtComposeRotation3d(xy, {1, 2, 3}) * kY, kTolerance);
     EXPECT_NEAR3D(kZ, KtComposeRotation3d(xy, {2, 1, 3}) * kY, kTolerance);
