@@ -36,11 +36,11 @@ std::vector<std::string> outputNames(const std::string& text)
 // binary.
 void checkFinite(const std::string& text)
 {
-    if (text.compare(0, 9, "HIERARCHY") != 0 && text.find(',') == text.npos)
-        return;
-    std::string::size_type numbers = text.compare(0, 9, "HIERARCHY") == 0
-                                         ? text.find("\nMOTION\n")
-                                         : text.find('\n');
+    std::string::size_type numbers = text.npos;
+    if (text.compare(0, 9, "HIERARCHY") == 0)
+        numbers = text.find("\nMOTION\n");
+    else if (text.compare(0, 10, "frame,time") == 0)
+        numbers = text.find('\n');
     if (numbers == text.npos)
         return;
     for (const char* word : {"nan", "inf"})
