@@ -96,8 +96,9 @@ verify-format:
 # and findings in fuzz/ seed the search; new inputs collect in fuzz/work/
 # (not kept), and a crash input lands in fuzz/work/<target>-artifacts/: save
 # it in fuzz/findings/<target>/ once it is fixed, so that make test replays it.
-# Inputs are capped at 64 KiB; a run that is slow (10 s), allocates more than
-# 256 MB at once or holds more than 2 GB counts as a finding.
+# Inputs are capped at 128 KiB; a run that is slow (10 s), allocates more
+# than 1 MB at once (8 times the largest input, the programs' memory bound)
+# or holds more than 2 GB counts as a finding.
 fuzz:
 	@tools/require-packages $(FUZZ_PACKAGES)
 	cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
@@ -109,7 +110,7 @@ fuzz:
 	        fuzz/findings/$$target && \
 	    echo "== fuzzing $$target for $(FUZZ_SECONDS) s" && \
 	    $(FUZZ_DIR)/fuzz/fuzz_$$target -max_total_time=$(FUZZ_SECONDS) \
-	        -max_len=65536 -timeout=10 -malloc_limit_mb=256 \
+	        -max_len=131072 -timeout=10 -malloc_limit_mb=1 \
 	        -rss_limit_mb=2048 -dict=fuzz/motbake.dict \
 	        -artifact_prefix=fuzz/work/$$target-artifacts/ -print_final_stats=1 \
 	        fuzz/work/$$target fuzz/corpus/$$target fuzz/findings/$$target \

@@ -9,7 +9,7 @@
 
 // Real skeletons are a few kilobytes; larger inputs only slow the search.
 // The replay feeds saved inputs through the same cap.
-constexpr size_t kMaxFuzzInput = 64 * 1024;
+constexpr size_t kMaxFuzzInput = 128 * 1024;
 
 // Between the skeleton, the motion and the filter text of one input.
 constexpr const char* kDocumentSeparator = "\n%%\n";
