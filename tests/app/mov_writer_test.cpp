@@ -1,6 +1,6 @@
-// The MOV file: rotation values copied as read, the body's mismatch, and
-// positions of translating bodies worked out by hand from the frame
-// conventions (row vectors, "pre" operations, the placed bone frame).
+// The MOV file: rotation values copied as read, and positions of
+// translating bodies worked out by hand from the frame conventions (row
+// vectors, "pre" operations, the placed bone frame).
 #include <sstream>
 #include <string>
 
@@ -69,24 +69,4 @@ TEST(MovWriter, PositionsOfTranslatingBodiesUnderRotatedParents)
     }
     EXPECT_EQ(' ', line.get());
     EXPECT_EQ('\n', line.get());
-}
-
-TEST(MovWriter, ADofCountMismatchStopsTheFileWithBothMessages)
-{
-    const char* mismatch = "The number of degrees of freedom in the AMC does "
-                           "not match the number of degrees of freedom in the "
-                           "ASF.";
-    KaASF asf = skeletonFrom(
-        skeletonText("RX",
-                     boneBlock("a", "rx") + boneBlock("b", "rx ry rz"),
-                     "    root a b\n"));
-    EXPECT_EQ("0.0333333 0 1 ",
-              movText(asf,
-                      motionFrom("1\nroot 0\na 1\nb 2 3\n"
-                                 "2\nroot 0\na 1\nb 2 3 4\n")));
-    // The body message deliberately lacks its closing quote.
-    EXPECT_EQ(errorBlock({"Unable to convert transformations to MOV for body "
-                          "\"b.",
-                          mismatch}),
-              printedChain());
 }
