@@ -243,9 +243,9 @@ TEST(KaASFWriter, ReportsEveryFailedSave)
 TEST(KaASF, PrintsTheBoneListWithParents)
 {
     KaASF asf = skeletonFrom(":version 1\n:bonedata\n" + boneBlock("a") +
-                             "  begin id 7 name b direction 0 1 0 length 1 "
-                             "axis 0 0 0 XYZ end\n:hierarchy\n  begin\n"
-                             "    root a\n    a b\n  end\n");
+                             "  begin id 7 " + boneBlock("b").substr(8) +
+                             ":hierarchy\n  begin\n    root a\n    a b\n"
+                             "  end\n");
     std::ostringstream none;
     std::ostringstream parent;
     none << static_cast<const void*>(nullptr);
