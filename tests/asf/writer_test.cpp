@@ -17,65 +17,7 @@ namespace
 // An internal skeleton in radians, as the writer gives it back once
 // lhumerus has lost its id: a shared group referred to in part and whole,
 // limits with an infinite end, documentation on two lines, two skin names.
-const char* const kRadians = R"(:asf-internal
-:version 1.10
-:name walker
-:units
-  angle rad
-  mass 1.00
-  length 1
-:documentation
-Test skeleton in radians.
- Second line of notes.
-:dofgroups
-  begin
-    name hand
-    dof  rx ry rz
-    limits (-1.50 1.50)
-           (-0.50 0.50)
-           (0.00 2.00)
-  end
-:root
-  axis xyz
-  order tx ty tz rx ry rz
-  position 0 1.5 -2
-  orientation 0.1000 0.0000 -0.2500
-:bonedata
-  begin
-    id 1
-    name lowerback
-    direction 0.0118 0.9999 -0.0044
-    length 2.0482
-    axis 0.0000 0.0000 0.0000 xyz
-    dof rx ry rz
-    limits (-inf 1.22)
-           (-0.52 0.52)
-           (-0.35 0.35)
-  end
-  begin
-    name lhumerus
-    direction 1 0 0
-    length 5.0125
-    axis 0.0000 0.0000 -1.5708 zyx
-    dof tx hand<rx ry>
-    limits (-1.00 1.00)
-  end
-  begin
-    id 3
-    name rhumerus
-    direction -1 0 0
-    length 5.0125
-    axis 0.0000 0.0000 1.5708 xyz
-    dof hand
-  end
-:hierarchy
-  begin
-    root lowerback
-    lowerback lhumerus rhumerus 
-  end
-:skin walker.skin
-:skin hands.skin
-)";
+const std::string kRadians = readFile(TEST_DATA_DIR "/asf/walker.asf");
 
 std::string written(const KaASF& asf)
 {
