@@ -21,15 +21,9 @@ constexpr float kInf = KaASFLimits::kInfinity;
 
 const std::string kVersion = ":version 1.10\n";
 const std::string kInternal = ":asf-internal\n:version 1.10\n";
-// A bone block on one line.
-std::string bone(const std::string& name, const std::string& more = "")
-{
-    return "  begin name " + name +
-           " direction 0 1 0 length 1 axis 0 0 0 XYZ " + more + " end\n";
-}
 // Bones a and b on lines 3 and 4; the hierarchy starts on line 5.
 const std::string kTwoBones =
-    kVersion + ":bonedata\n" + bone("a") + bone("b") + ":hierarchy\n";
+    kVersion + ":bonedata\n" + boneBlock("a") + boneBlock("b") + ":hierarchy\n";
 
 std::string chainOf(const std::string& text, KaASF* skeleton = nullptr)
 {
@@ -244,11 +238,12 @@ TEST(KaASFReader, ConvertsUnitsOnlyWhereTheyApply)
     KaASF skeleton;
     EXPECT_EQ("",
               chainOf(kVersion + ":units length 2.0\n:bonedata\n" +
-                          bone("a", "dof rx limits (-inf 10)"),
+                          boneBlock("a", "rx limits (-inf 10)"),
                       &skeleton));
     EXPECT_EQ(0.5f, skeleton.findBone("a")->length());
     EXPECT_EQ(-kInf, skeleton.findBone("a")->dofGroup().limits(kDofRX)->lower);
-    EXPECT_EQ("", chainOf(kVersion + ":bonedata\n" + bone("c"), &skeleton));
+    EXPECT_EQ("",
+              chainOf(kVersion + ":bonedata\n" + boneBlock("c"), &skeleton));
     EXPECT_EQ(1.0f, skeleton.findBone("c")->length());
 }
 
@@ -257,11 +252,12 @@ TEST(KaASFReader, ConvertsUnitsOnlyWhereTheyApply)
 TEST(KaASFReader, TakesIdsBeforeADirectionFillsTheGapsAndLinksTheBones)
 {
     auto withId = [](const char* id, const char* name)
-    { return "  begin id " + std::string(id) + bone(name).substr(7); };
+    { return "  begin id " + std::string(id) + boneBlock(name).substr(7); };
     KaASF skeleton;
     EXPECT_EQ("",
-              chainOf(kVersion + ":bonedata\n" + bone("a") + withId("3", "b") +
-                          bone("c") + withId("-1", "d") + withId("1", "e") +
+              chainOf(kVersion + ":bonedata\n" + boneBlock("a") +
+                          withId("3", "b") + boneBlock("c") +
+                          withId("-1", "d") + withId("1", "e") +
                           "  begin name f length 1 bodymass 3 dof rx id 6 "
                           "direction 0 0 1 axis 0 0 0 XYZ end\n" +
                           ":hierarchy\n  begin\n    root a\n    a b c\n" +
@@ -298,8 +294,8 @@ TEST(KaASFReader, ReadsGroupsAndReferencesInInternalFiles)
                           "  begin name Arm dof rx ry limits (0 90) (-90 0) "
                           "end\n  begin name twist dof arm < ry > end\n" +
                           ":root order tx ARM\n:bonedata\n" +
-                          bone("a", "dof tz arm < rx > twist limits (-1 1)") +
-                          bone("b", "dof arm arm < > rz"),
+                          boneBlock("a", "tz arm < rx > twist limits (-1 1)") +
+                          boneBlock("b", "arm arm < > rz"),
                       &skeleton));
     KaASFDOFGroup* arm = skeleton.findDOFGroup("Arm");
     EXPECT_EQ(arm, dofAt(skeleton.root().dofGroup(), 2)->group());
@@ -341,46 +337,24 @@ TEST(KaASFReader, EndsSectionsAtTheEndOfTheFile)
     EXPECT_STREQ("bob", skeleton.header().name.text());
 }
 
+// The callback's answer, given the handler's data, decides.
 TEST(KaASFReader, StopsWhenCanceled)
 {
     std::string bones;
     for (int i = 0; i < 10; ++i)
-        bones += bone("b" + std::to_string(i));
-    KtCancelHandler::_proc = [](void*) { return 1; };
-    std::string chain = chainOf(kVersion + ":bonedata\n" + bones);
+        bones += boneBlock("b" + std::to_string(i));
+    int answer = 0;
+    KtCancelHandler::_data = &answer;
+    KtCancelHandler::_proc = [](void* data)
+    { return *static_cast<int*>(data); };
+    std::string going = chainOf(kVersion + ":bonedata\n" + bones);
+    answer = 7;
+    std::string canceled = chainOf(kVersion + ":bonedata\n" + bones);
     KtCancelHandler::_proc = nullptr;
+    KtCancelHandler::_data = nullptr;
+    EXPECT_EQ("", going);
     EXPECT_EQ(errorBlock({"Unable to read :bonedata section.", "Canceled."}),
-              chain);
-}
-
-// Nothing walks the hierarchy recursively: not reading, not copying, not
-// writing; the last line closes a circle through every bone.
-TEST(KaASFReader, ReadsCopiesAndWritesAChain100000BonesDeep)
-{
-    const int depth = 100000;
-    std::string text = kVersion + ":bonedata\n";
-    for (int i = 0; i < depth; ++i)
-        text += bone("b" + std::to_string(i));
-    text += ":hierarchy\n  begin\n    root b0\n";
-    for (int i = 1; i < depth; ++i)
-        text +=
-            "    b" + std::to_string(i - 1) + " b" + std::to_string(i) + "\n";
-    KaASF skeleton;
-    EXPECT_EQ("", chainOf(text + "  end\n", &skeleton));
-    const KaASF copy(skeleton);
-    std::ostringstream written;
-    copy.printOn(written);
-    KaASF reread;
-    EXPECT_EQ("", chainOf(written.str(), &reread));
-    int levels = 0;
-    for (const KaASFBone* b = reread.findBone("b99999"); b; b = b->parent())
-        ++levels;
-    EXPECT_EQ(depth, levels);
-    EXPECT_EQ(reread.findBone("b1"), reread.findBone("b0")->firstChild());
-    EXPECT_EQ(
-        errorBlock({"Unable to read :hierarchy section.",
-                    "Line 200005:  Bone 'b0' cannot be its own ancestor."}),
-        chainOf(text + "    b99999 b0\n  end\n", &skeleton));
+              canceled);
 }
 
 // Files are read through the compressed stream: "walk.asf" stands for
@@ -392,7 +366,8 @@ TEST(KaASFReader, ReadsFilesAndSaysWhichOneFailed)
     const std::string good = dir.file("walk.asf");
     const std::string bad = dir.file("bad.asf");
     const std::string missing = dir.file("none.asf");
-    const std::string text = kInternal + ":bonedata\n" + bone("a") + bone("b");
+    const std::string text =
+        kInternal + ":bonedata\n" + boneBlock("a") + boneBlock("b");
     writeFile(good, text);
     ASSERT_EQ(0, std::system(("gzip " + good).c_str()));
     writeFile(bad, kVersion + ":bogus\n");

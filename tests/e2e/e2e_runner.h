@@ -1,8 +1,11 @@
-// Runs the built programs with given arguments and standard input.
+// Runs the built programs with given arguments and standard input, and the
+// one small conversion that the end-to-end tests share.
 #pragma once
 
 #include <string>
 #include <vector>
+
+#include "support/test_helpers.h"
 
 struct RunResult
 {
@@ -24,3 +27,44 @@ RunResult runMotbake(const std::vector<std::string>& args,
                      const std::string& workDir = "");
 RunResult runRigbake(const std::vector<std::string>& args,
                      const std::string& input = "");
+
+// A root and one rotating arm, and two frames for them.
+inline const std::string kArmSkeleton = skeletonText(
+    "TX TY TZ RX RY RZ", boneBlock("arm", "rx ry rz"), "    root arm\n");
+inline const std::string kMotionHeader = ":FULLY-SPECIFIED\n:DEGREES\n";
+inline const std::string kArmMotion = kMotionHeader +
+                                      "1\nroot 1 2 3 0 0 0\narm 10 20 30\n" +
+                                      "2\nroot 1 2 3 0 0 0\narm 10 20 30\n";
+
+// A skeleton and a motion in a fresh folder, and the outputs' names. These
+// hold characters that a shell or a format would take specially; to the
+// program they are just characters.
+struct Conversion
+{
+    TempDir dir;
+    std::string asf = dir.file("body.asf");
+    std::string amc = dir.file("move.amc");
+    std::string mel = dir.file("100%d %s 'x' $HOME;.mel");
+    std::string mov = dir.file("move %n.mov");
+
+    explicit Conversion(const std::string& motion = kArmMotion,
+                        const std::string& skeleton = kArmSkeleton)
+    {
+        writeFile(asf, skeleton);
+        writeFile(amc, motion);
+    }
+
+    // The arguments, with -f unless prompts are wanted.
+    std::vector<std::string> args(bool force = true) const
+    {
+        std::vector<std::string> all = {asf, amc, "30", mel, mov};
+        if (force)
+            all.insert(all.begin(), "-f");
+        return all;
+    }
+
+    RunResult run(const std::string& input = "", bool force = true) const
+    {
+        return runMotbake(args(force), input);
+    }
+};

@@ -1,5 +1,6 @@
 // Runs the built motbake binary and checks exit status, standard output,
 // standard error and the files it writes, together.
+#include <cstdlib>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -16,16 +17,6 @@ namespace
 const std::string kBanner = "\nmotbake version 1.1\n\n"
                             "Copyright (c) Quorvane, Inc.  All rights "
                             "reserved.\n";
-
-const std::string kSkeleton =
-    ":version 1.10\n:units length 1 angle deg\n"
-    ":root order TX TY TZ RX RY RZ axis XYZ position 0 0 0 orientation 0 0 0\n"
-    ":bonedata\n  begin name arm direction 1 0 0 length 2 axis 0 0 0 XYZ\n"
-    "    dof rx ry rz end\n:hierarchy\n  begin\n    root arm\n  end\n";
-
-const std::string kMotion = ":FULLY-SPECIFIED\n:DEGREES\n"
-                            "1\nroot 1 2 3 0 0 0\narm 10 20 30\n"
-                            "2\nroot 1 2 3 0 0 0\narm 10 20 30\n";
 
 const std::string kMov = "0.0333333 1 2 3 0 0 0 10 20 30 \n"
                          "0.0666667 1 2 3 0 0 0 10 20 30 \n";
@@ -47,77 +38,75 @@ std::string prompt(const std::string& path)
     return "\nOutput file '" + path + "' exists.\n" + kAsk;
 }
 
-// A skeleton and a motion in a fresh folder, with the output names. These
-// hold characters that a shell or a format would take specially; to the
-// program they are just characters.
-struct Job
+// Standard output up to the end of reading both inputs.
+std::string readBoth(const Conversion& job)
 {
-    TempDir dir;
-    std::string asf = dir.file("body.asf");
-    std::string amc = dir.file("move.amc");
-    std::string mel = dir.file("100%d %s 'x' $HOME;.mel");
-    std::string mov = dir.file("move %n.mov");
-
-    explicit Job(const std::string& motion = kMotion)
-    {
-        writeFile(asf, kSkeleton);
-        writeFile(amc, motion);
-    }
-
-    // The arguments, with -f unless prompts are wanted.
-    std::vector<std::string> args(bool force = true) const
-    {
-        std::vector<std::string> all = {asf, amc, "30", mel, mov};
-        if (force)
-            all.insert(all.begin(), "-f");
-        return all;
-    }
-
-    // Standard output up to the end of reading both inputs.
-    std::string read() const { return kBanner + reading(asf) + reading(amc); }
-};
+    return kBanner + reading(job.asf) + reading(job.amc);
+}
 
 } // namespace
 
-// The bundled example, the benchmark's two kinds of capture and a capture
-// of quirky names: every value of the MOV file (positions under translating
-// bones included) and the MEL file stay as they have always been written.
+// The bundled example (also compressed, .gz and .Z), the benchmark's two
+// kinds of capture and a capture of quirky names, converted with filters:
+// every value of the MOV file (positions under translating bones included)
+// and the MEL file stay as they have always been written.
 TEST(Motbake, ConvertsTheKnownCapturesExactlyAsBefore)
 {
     const std::string examples = EXAMPLES_DIR "/";
     const std::string bench = BENCH_GOLDEN_DIR "/bench_";
     const std::string quirky = TEST_DATA_DIR "/quirky/quirky";
-    // Skeleton, motion, frame rate, and the outputs' name without their
-    // extension. The quirky capture holds every quirk of names that the
-    // converter resolves.
-    const std::string captures[][4] = {
-        {examples + "human.asf",
-         examples + "walk.amc",
-         "30",
-         examples + "expected/walk"},
-        {bench + "standard.asf",
-         bench + "standard.amc",
-         "30",
-         bench + "standard"},
-        {bench + "translating.asf",
-         bench + "translating.amc",
-         "30",
-         bench + "translating"},
-        {quirky + ".asf", quirky + ".amc", "24", quirky}};
-    for (const auto& [asf, amc, fps, expected] : captures)
+    TempDir packed;
+    const std::string gz = packed.file("human.asf.gz");
+    const std::string z = packed.file("walk.amc.Z");
+    ASSERT_EQ(
+        0, std::system(("gzip -c " + examples + "human.asf >" + gz).c_str()));
+    ASSERT_EQ(
+        0, std::system(("compress -c " + examples + "walk.amc >" + z).c_str()));
+    // Options, skeleton, motion, frame rate, and the outputs' name without
+    // their extension. The quirky capture holds every quirk of names that
+    // the converter resolves.
+    const std::vector<std::string> none;
+    const struct
     {
-        SCOPED_TRACE(expected);
+        std::vector<std::string> options;
+        std::string asf, amc, fps, expected;
+    } captures[] = {{none,
+                     examples + "human.asf",
+                     examples + "walk.amc",
+                     "30",
+                     examples + "expected/walk"},
+                    {none, gz, z, "30", examples + "expected/walk"},
+                    {none,
+                     bench + "standard.asf",
+                     bench + "standard.amc",
+                     "30",
+                     bench + "standard"},
+                    {none,
+                     bench + "translating.asf",
+                     bench + "translating.amc",
+                     "30",
+                     bench + "translating"},
+                    {{"-filter", "euler simplify"},
+                     quirky + ".asf",
+                     quirky + ".amc",
+                     "24",
+                     quirky}};
+    for (const auto& c : captures)
+    {
+        SCOPED_TRACE(c.asf);
         TempDir dir;
         std::string mel = dir.file("out.mel");
         std::string mov = dir.file("out.mov");
-        RunResult run = runMotbake({"-f", asf, amc, fps, mel, mov});
+        std::vector<std::string> args = c.options;
+        args.insert(args.end(), {"-f", c.asf, c.amc, c.fps, mel, mov});
+        RunResult run = runMotbake(args);
         EXPECT_EQ(0, run.status);
         EXPECT_EQ("", run.err);
-        EXPECT_EQ(kBanner + reading(asf) + reading(amc) + writing(mel) +
+        EXPECT_EQ(kBanner + reading(c.asf) + reading(c.amc) + writing(mel) +
                       writing(mov),
                   run.out);
-        EXPECT_EQ(readFile(expected + ".mel"), readFile(mel));
-        EXPECT_EQ(readFile(expected + ".mov"), readFile(mov));
+        EXPECT_EQ(readFile(c.expected + ".mel"), readFile(mel));
+        EXPECT_EQ(readFile(c.expected + ".mov"), readFile(mov));
     }
 }
 
@@ -126,25 +115,25 @@ TEST(Motbake, ConvertsTheKnownCapturesExactlyAsBefore)
 // the heading; the end of input counts as "no".
 TEST(Motbake, AsksBeforeOverwriting)
 {
-    Job job;
+    Conversion job;
     writeFile(job.mel, "keep me");
-    RunResult run = runMotbake(job.args(false), "n\n");
+    RunResult run = job.run("n\n", false);
     EXPECT_EQ(0, run.status);
     EXPECT_EQ("", run.err);
-    EXPECT_EQ(job.read() + prompt(job.mel) + writing(job.mov), run.out);
+    EXPECT_EQ(readBoth(job) + prompt(job.mel) + writing(job.mov), run.out);
     EXPECT_EQ(kMov, readFile(job.mov));
 
     writeFile(job.mov, "old");
-    run = runMotbake(job.args(false), "n x\nY\n");
-    EXPECT_EQ(job.read() + prompt(job.mel) + prompt(job.mov) + kAsk +
+    run = job.run("n x\nY\n", false);
+    EXPECT_EQ(readBoth(job) + prompt(job.mel) + prompt(job.mov) + kAsk +
                   writing(job.mov),
               run.out);
     EXPECT_EQ(kMov, readFile(job.mov));
 
     writeFile(job.mov, "old");
-    run = runMotbake(job.args(false), "");
+    run = job.run("", false);
     EXPECT_EQ(0, run.status);
-    EXPECT_EQ(job.read() + prompt(job.mel) + "\n" + prompt(job.mov) + "\n",
+    EXPECT_EQ(readBoth(job) + prompt(job.mel) + "\n" + prompt(job.mov) + "\n",
               run.out);
     EXPECT_EQ("keep me", readFile(job.mel));
     EXPECT_EQ("old", readFile(job.mov));
@@ -154,8 +143,8 @@ TEST(Motbake, AsksBeforeOverwriting)
 // unreadable one before it is read.
 TEST(Motbake, AnInputThatFailsStopsTheRunWithItsChain)
 {
-    Job job(":FULLY-SPECIFIED\n1\nroot 1\n");
-    RunResult run = runMotbake(job.args());
+    Conversion job(":FULLY-SPECIFIED\n1\nroot 1\n");
+    RunResult run = job.run();
     EXPECT_EQ(1, run.status);
     EXPECT_EQ(kBanner + reading(job.asf) + "Reading file: " + job.amc + " ...",
               run.out);
@@ -165,7 +154,7 @@ TEST(Motbake, AnInputThatFailsStopsTheRunWithItsChain)
               run.err);
 
     job.amc = job.dir.file("absent.amc");
-    run = runMotbake(job.args());
+    run = job.run();
     EXPECT_EQ(1, run.status);
     EXPECT_EQ(kBanner + reading(job.asf), run.out);
     EXPECT_EQ(errorBlock({("Unable to read \"" + job.amc + "\".").c_str(),
@@ -181,10 +170,10 @@ TEST(Motbake, AnInputThatFailsStopsTheRunWithItsChain)
 // fails to open.
 TEST(Motbake, AnOutputThatFailsEndsTheRunWithItsReason)
 {
-    std::string longMotion = ":FULLY-SPECIFIED\n:DEGREES\n";
+    std::string longMotion = kMotionHeader;
     for (int frame = 1; frame <= 20000; ++frame)
         longMotion += std::to_string(frame) + "\nroot 1 2 3 0 0 0\narm 1 2 3\n";
-    Job job(longMotion);
+    Conversion job(longMotion);
     const std::string mel = job.mel;
     const std::string mov = job.mov;
     const std::string folder = job.dir.file("no/such");
@@ -209,32 +198,46 @@ TEST(Motbake, AnOutputThatFailsEndsTheRunWithItsReason)
         SCOPED_TRACE(c.mel);
         job.mel = c.mel;
         job.mov = c.mov;
-        RunResult run = runMotbake(job.args());
+        RunResult run = job.run();
         EXPECT_EQ(1, run.status);
-        EXPECT_EQ(job.read() + c.written, run.out);
+        EXPECT_EQ(readBoth(job) + c.written, run.out);
         EXPECT_EQ(c.err, run.err);
         EXPECT_FALSE(KtFileExists(mov.c_str()));
     }
 }
 
+// The counts are compared in the first frame only, with warnings; the MOV
+// file then fails at the first body whose values do not fit: the root in
+// its own words, a bone as a body whose name lacks its closing quote.
 TEST(Motbake, DofMismatchesWarnThenTheMovFileFails)
 {
-    Job job(":FULLY-SPECIFIED\n:DEGREES\n1\nroot 1 2 3\narm 10 20\n");
-    RunResult run = runMotbake(job.args());
-    EXPECT_EQ(1, run.status);
-    EXPECT_EQ(job.read() + writing(job.mel) + writing(job.mov), run.out);
-    EXPECT_EQ(
-        warningBlock({"Bone \"arm\" has 3 dofs in the ASF, but the AMC "
-                      "specifies 2.",
-                      "Bone \"root\" has 6 dofs in the ASF, but the AMC "
-                      "specifies 3."}) +
-            errorBlock({("Unable to save \"" + job.mov + "\".").c_str(),
-                        "Unable to convert transformations to MOV for "
-                        "\"root\".",
-                        "The number of degrees of freedom in the AMC does not "
-                        "match the number of degrees of freedom in the ASF."}),
-        run.err);
-    EXPECT_EQ("0.0333333 ", readFile(job.mov));
+    const std::string mismatch =
+        "The number of degrees of freedom in the AMC does not match the "
+        "number of degrees of freedom in the ASF.";
+    const std::string warnings = warningBlock(
+        {"Bone \"arm\" has 3 dofs in the ASF, but the AMC specifies 2.",
+         "Bone \"root\" has 6 dofs in the ASF, but the AMC specifies 3."});
+    const std::string laterFrame = kArmMotion + "3\nroot 0 0 0 0 0 0\narm 1\n";
+    // clang-format off
+    const struct { std::string motion, warnings, body, mov; } cases[] = {
+        {kMotionHeader + "1\nroot 1 2 3\narm 10 20\n", warnings, "\"root\".", "0.0333333 "},
+        {laterFrame, "", "body \"arm.", kMov + "0.1 0 0 0 0 0 0 "}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        Conversion job(c.motion);
+        RunResult run = job.run();
+        EXPECT_EQ(1, run.status);
+        EXPECT_EQ(readBoth(job) + writing(job.mel) + writing(job.mov), run.out);
+        const std::string save = "Unable to save \"" + job.mov + "\".";
+        const std::string body =
+            "Unable to convert transformations to MOV for " + c.body;
+        EXPECT_EQ(
+            c.warnings +
+                errorBlock({save.c_str(), body.c_str(), mismatch.c_str()}),
+            run.err);
+        EXPECT_EQ(c.mov, readFile(job.mov));
+    }
 }
 
 // An output that is an input or the other output, under any spelling or
@@ -242,7 +245,7 @@ TEST(Motbake, DofMismatchesWarnThenTheMovFileFails)
 // -f.
 TEST(Motbake, RefusesAnOutputThatIsAnInputOrTheOtherOutput)
 {
-    Job job;
+    Conversion job;
     const std::string link = job.dir.file("link.amc");
     ASSERT_EQ(0, ::link(job.amc.c_str(), link.c_str()));
     const std::string dotted = job.dir.path() + "/./body.asf";
@@ -263,7 +266,7 @@ TEST(Motbake, RefusesAnOutputThatIsAnInputOrTheOtherOutput)
         EXPECT_EQ(1, run.status);
         EXPECT_EQ(kBanner, run.out);
         EXPECT_EQ(errorBlock({c.err.c_str()}), run.err);
-        EXPECT_EQ(kMotion, readFile(job.amc));
+        EXPECT_EQ(kArmMotion, readFile(job.amc));
         EXPECT_FALSE(KtFileExists(job.mel.c_str()));
     }
 }

@@ -11,64 +11,33 @@
 #include "support/test_helpers.h"
 #include "toolkit/KtFile.h"
 
-namespace
-{
-
-const std::string kSkeleton = ":version 1.10\n"
-                              ":units\n  length 1\n  angle deg\n"
-                              ":root\n  order TX TY TZ RX RY RZ\n  axis XYZ\n"
-                              "  position 0 0 0\n  orientation 0 0 0\n"
-                              ":bonedata\n"
-                              "  begin name arm direction 1 0 0 length 2\n"
-                              "    axis 0 0 0 XYZ dof rx ry rz end\n"
-                              ":hierarchy\n  begin\n    root arm\n  end\n";
-
-const std::string kHeader = ":FULLY-SPECIFIED\n:DEGREES\n";
-
-// One conversion in a fresh folder.
-struct Conversion
-{
-    TempDir dir;
-    std::string asf = dir.file("body.asf");
-    std::string amc = dir.file("move.amc");
-    std::string mel = dir.file("move.mel");
-    std::string mov = dir.file("move.mov");
-    RunResult run;
-
-    Conversion(const std::string& skeleton, const std::string& motion)
-    {
-        writeFile(asf, skeleton);
-        writeFile(amc, motion);
-        run = runMotbake({"-f", asf, amc, "30", mel, mov});
-    }
-};
-
-} // namespace
-
 // Pairs of inputs that differ only in what the converter must not notice
 // convert to the same files.
 TEST(MotbakeHostile, TwinInputsConvertToTheSameFiles)
 {
     const std::string human = readFile(EXAMPLES_DIR "/human.asf");
     const std::string walk = readFile(EXAMPLES_DIR "/walk.amc");
-    const std::string motion = kHeader + "1\nroot 1 2 3 4 5 6\narm 7 8 9\n" +
+    const std::string motion = kMotionHeader +
+                               "1\nroot 1 2 3 4 5 6\narm 7 8 9\n" +
                                "2\nroot 0 1 0 1 0 1\narm 1 1 1\n";
     const std::string strangers =
-        kHeader + "1\nroot 1 2 3 4 5 6\nghost 1 2\narm 7 8 9\nlegs\n" +
+        kMotionHeader + "1\nroot 1 2 3 4 5 6\nghost 1 2\narm 7 8 9\nlegs\n" +
         "2\nroot 0 1 0 1 0 1\nghost 3 4\narm 1 1 1\nlegs 5 6 7 8\n";
     // clang-format off
     const struct { const char* what; std::string skeleton[2]; std::string motion[2]; } cases[] = {
         {"Windows line ends in both files", {human, withCRLF(human)}, {walk, withCRLF(walk)}},
-        {"motion bones that the skeleton lacks", {kSkeleton, kSkeleton}, {motion, strangers}}};
+        {"motion bones that the skeleton lacks", {kArmSkeleton, kArmSkeleton}, {motion, strangers}}};
     // clang-format on
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.what);
-        Conversion plain(c.skeleton[0], c.motion[0]);
-        Conversion twin(c.skeleton[1], c.motion[1]);
-        EXPECT_EQ(0, plain.run.status);
-        EXPECT_EQ(0, twin.run.status);
-        EXPECT_EQ(plain.run.err, twin.run.err);
+        Conversion plain(c.motion[0], c.skeleton[0]);
+        Conversion twin(c.motion[1], c.skeleton[1]);
+        RunResult plainRun = plain.run();
+        RunResult twinRun = twin.run();
+        EXPECT_EQ(0, plainRun.status);
+        EXPECT_EQ(0, twinRun.status);
+        EXPECT_EQ(plainRun.err, twinRun.err);
         EXPECT_EQ(readFile(plain.mel), readFile(twin.mel));
         EXPECT_EQ(readFile(plain.mov), readFile(twin.mov));
     }
@@ -81,9 +50,11 @@ TEST(MotbakeHostile, ASkeletonWithoutBonesConvertsTheRoot)
     const std::string rootOnly =
         ":version 1.10\n:root\n  order TX TY TZ RX RY RZ\n  axis XYZ\n"
         ":hierarchy\n  begin\n  end\n";
-    Conversion job(rootOnly, kHeader + "1\nroot 1 2 3 4 5 6\narm 7 8 9\n");
-    EXPECT_EQ(0, job.run.status);
-    EXPECT_EQ("", job.run.err);
+    Conversion job(kMotionHeader + "1\nroot 1 2 3 4 5 6\narm 7 8 9\n",
+                   rootOnly);
+    RunResult run = job.run();
+    EXPECT_EQ(0, run.status);
+    EXPECT_EQ("", run.err);
     EXPECT_EQ("0.0333333 1 2 3 4 5 6 \n", readFile(job.mov));
     EXPECT_EQ(std::string::npos, readFile(job.mel).find("arm"));
 }
@@ -96,17 +67,14 @@ TEST(MotbakeHostile, ASkeletonWithoutBonesConvertsTheRoot)
 TEST(MotbakeHostile, AChain100000TranslatingBonesDeepConverts)
 {
     const int depth = 100000;
-    std::string skeleton = ":version 1.10\n:units\n  angle deg\n"
-                           ":root\n  order TX TY TZ RX RY RZ\n  axis XYZ\n"
-                           ":bonedata\n";
-    std::string hierarchy = ":hierarchy\n  begin\n    root b0\n";
-    std::string motion = kHeader + "1\nroot 0 0 0 0 0 0\n";
+    std::string bones;
+    std::string hierarchy = "    root b0\n";
+    std::string motion = kMotionHeader + "1\nroot 0 0 0 0 0 0\n";
     std::string mov = "0.0333333 0 0 0 0 0 0 1 0 0 ";
     for (int i = 0; i < depth; ++i)
     {
         const std::string name = "b" + std::to_string(i);
-        skeleton += "begin name " + name +
-                    " direction 1 0 0 length 1 axis 0 0 0 XYZ dof tx end\n";
+        bones += boneBlock(name, "tx");
         if (i > 0)
         {
             hierarchy += "    b" + std::to_string(i - 1) + " " + name + "\n";
@@ -114,9 +82,10 @@ TEST(MotbakeHostile, AChain100000TranslatingBonesDeepConverts)
         }
         motion += name + " 1\n";
     }
-    Conversion job(skeleton + hierarchy + "  end\n", motion);
-    EXPECT_EQ(0, job.run.status);
-    EXPECT_EQ("", job.run.err);
+    Conversion job(motion, skeletonText("TX TY TZ RX RY RZ", bones, hierarchy));
+    RunResult run = job.run();
+    EXPECT_EQ(0, run.status);
+    EXPECT_EQ("", run.err);
     EXPECT_TRUE(readFile(job.mov) == mov + "\n");
 }
 
@@ -135,13 +104,14 @@ TEST(MotbakeHostile, MotionsAtTheEdgesConvertOrFailClearly)
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.frames);
-        Conversion job(kSkeleton, kHeader + c.frames);
-        EXPECT_EQ(c.status, job.run.status);
+        Conversion job(kMotionHeader + c.frames);
+        RunResult run = job.run();
+        EXPECT_EQ(c.status, run.status);
         EXPECT_EQ(c.mov, readFile(job.mov));
         if (c.status != 0)
         {
             EXPECT_NE(std::string::npos,
-                      job.run.err.find("ERROR: Unable to save \"" + job.mov));
+                      run.err.find("ERROR: Unable to save \"" + job.mov));
         }
     }
 }
@@ -150,39 +120,28 @@ TEST(MotbakeHostile, MotionsAtTheEdgesConvertOrFailClearly)
 // all the data came through) is a failed read, not a shorter input.
 TEST(MotbakeHostile, ADamagedCompressedInputFailsTheRead)
 {
-    const std::string motion = kHeader + "1\nroot 1 2 3 4 5 6\narm 7 8 9\n";
     for (bool damageSkeleton : {true, false})
     {
         SCOPED_TRACE(damageSkeleton ? "skeleton" : "motion");
-        TempDir dir;
-        const std::string asf = dir.file("body.asf");
-        const std::string amc = dir.file("move.amc");
-        writeFile(asf, kSkeleton);
-        writeFile(amc, motion);
-        const std::string damaged = damageSkeleton ? asf : amc;
-        const std::string gz = damaged + ".gz";
+        Conversion job(kMotionHeader + "1\nroot 1 2 3 4 5 6\narm 7 8 9\n");
+        std::string& damaged = damageSkeleton ? job.asf : job.amc;
         ASSERT_EQ(0, std::system(("gzip -n " + damaged).c_str()));
-        std::string packed = readFile(gz);
+        damaged += ".gz";
+        std::string packed = readFile(damaged);
         packed[packed.size() - 8] ^= 0x55; // the checksum of the data
-        writeFile(gz, packed);
-        const std::string mel = dir.file("move.mel");
-        RunResult run = runMotbake({"-f",
-                                    damageSkeleton ? gz : asf,
-                                    damageSkeleton ? amc : gz,
-                                    "30",
-                                    mel,
-                                    dir.file("move.mov")});
+        writeFile(damaged, packed);
+        RunResult run = job.run();
         EXPECT_EQ(1, run.status);
-        const std::string reading = "Unable to read '" + gz + "'.";
+        const std::string reading = "Unable to read '" + damaged + "'.";
         const std::string status =
-            "'gunzip' ended with status 1 on '" + gz + "'.";
+            "'gunzip' ended with status 1 on '" + damaged + "'.";
         EXPECT_NE(std::string::npos,
                   run.err.find(errorBlock({reading.c_str(),
                                            "Unable to decompress file.",
                                            status.c_str()})))
             << run.err;
-        EXPECT_EQ(std::string::npos, run.out.find(gz + " ...done."));
-        EXPECT_FALSE(KtFileExists(mel.c_str()));
+        EXPECT_EQ(std::string::npos, run.out.find(damaged + " ...done."));
+        EXPECT_FALSE(KtFileExists(job.mel.c_str()));
     }
 }
 
@@ -198,7 +157,7 @@ TEST(MotbakeHostile, RunningOutOfMemoryEndsWithTheMessage)
     TempDir dir;
     writeFile(dir.file("body.asf"),
               ":version 1.10\n:skin\n" + std::string(16 << 20, '<'));
-    writeFile(dir.file("move.amc"), kHeader + "1\nroot 1 2 3 4 5 6\n");
+    writeFile(dir.file("move.amc"), kMotionHeader + "1\nroot 1 2 3 4 5 6\n");
     RunResult run = runProgram("/usr/bin/prlimit",
                                {"--as=24000000",
                                 MOTBAKE_BIN,

@@ -74,11 +74,7 @@ TEST(Rigbake, RefusesBeforeWritingAnything)
     const std::string asf = dir.file("body.asf");
     const std::string mel = dir.file("rig.mel");
     const std::string skeleton =
-        ":version 1.10\n:units\n  length 1\n  angle deg\n:root\n"
-        "  order TX TY TZ\n  axis XYZ\n  position 0 0 0\n"
-        "  orientation 0 0 0\n:bonedata\n  begin name l\"arm direction 1 0 0 "
-        "length 1 axis 0 0 0 XYZ end\n:hierarchy\n  begin\n    root l\"arm\n"
-        "  end\n";
+        skeletonText("TX TY TZ", boneBlock("l\"arm"), "    root l\"arm\n");
     writeFile(asf, skeleton);
     writeFile(mel, "keep me");
     const std::string refused =

@@ -56,19 +56,6 @@ TEST(KtCoordSystem, PreOperationsMultiplyOnTheLeftPostOnTheRight)
         EXPECT_MATRIX_NEAR(frame * op.elementary, post)
             << "operation " << &op - operations;
     }
-    // On the identity, exactly the elementary rows, from the float cosine
-    // and sine of an angle whose double ones round to other floats (read at
-    // run time so that the library computes both).
-    volatile float angle = 0x1.00b4aap-1f;
-    const float a = angle;
-    KtCoordSystem turned;
-    turned.preRotateX(a);
-    Kt4X4FloatMat expected;
-    expected.setRow(1, Kt4X4FloatMat::KtRow({0, cosf(a), sinf(a), 0}));
-    expected.setRow(2, Kt4X4FloatMat::KtRow({0, -sinf(a), cosf(a), 0}));
-    EXPECT_EQ(expected, turned);
-    turned.preRotateX(-a);
-    EXPECT_MATRIX_NEAR(Kt4X4FloatMat::MultiplicativeIdentity, turned);
 }
 
 // A translation given after a rotation follows the rotated axes; the

@@ -1,6 +1,7 @@
-// Euler angles: composition against the frame's pre-rotations, decomposition
-// round trips for every order, gimbal lock, order completion and the choice
-// between the two triples of one rotation.
+// Euler angles: composition against the elementary turns, decomposition
+// round trips for every order with its failure table (gimbal lock, orders
+// given in part, the inferred axis), and the choice between the two triples
+// of one rotation.
 #include <cmath>
 #include <limits>
 #include <random>
@@ -35,21 +36,15 @@ Kt3X3FloatMat compose(const float (&angles)[3], const int (&codes)[3])
                                    order);
 }
 
-// Three turns as the frame's pre-rotations build them: first about
-// codes[0], then codes[1], then codes[2]; the block is
-// R(codes[2]) . R(codes[1]) . R(codes[0]).
+// Turns by a about codes[0], then b about codes[1], then c about codes[2]:
+// with row vectors R(codes[2]) . R(codes[1]) . R(codes[0]).
 Kt3X3FloatMat threeTurns(const int (&codes)[3], float a, float b, float c)
 {
-    static void (KtCoordSystem::*const kTurns[3])(float) = {
-        &KtCoordSystem::preRotateX,
-        &KtCoordSystem::preRotateY,
-        &KtCoordSystem::preRotateZ};
-    KtCoordSystem frame;
-    (frame.*kTurns[codes[0] - 1])(a);
-    (frame.*kTurns[codes[1] - 1])(b);
-    (frame.*kTurns[codes[2] - 1])(c);
+    const Kt4X4FloatMat m = rotationMatrix(codes[2] - 1, c) *
+                            rotationMatrix(codes[1] - 1, b) *
+                            rotationMatrix(codes[0] - 1, a);
     Kt3X3FloatMat block;
-    frame.getRotationMatrix(&block);
+    m.getUpperLeft3X3Mat(&block);
     return block;
 }
 
@@ -95,10 +90,9 @@ TEST(KtComposeRotationMatrix, UnknownCodesKeepTheirLongStandingEffect)
                        KtComposeRotationMatrix(oneAngle, shortOrder));
 }
 
-// Composition equals the chain of the frame's pre-rotations in list order.
-// Away from gimbal lock the three decomposed angles of a composed rotation
-// compose to it again; angles inside the
-// principal ranges come back themselves. Elements drifting past 1 are
+// Composition turns about the order's axes first listed first. Away from
+// gimbal lock the three decomposed angles of a composed rotation compose to
+// it again; angles inside the principal ranges come back themselves. Elements drifting past 1 are
 // clamped, so a non-rotation gives finite angles.
 TEST(KtGetDecomposedRotationMatrix, RoundTripsEveryOrder)
 {
@@ -216,7 +210,6 @@ TEST(KtGetClosestAngles, PicksTheNearerTripleAfterWrapping)
         // axis of the order is the one mirrored.
         {{0, 0, 0}, {p, p, p}, {1, 2, 3}, {-0.1f, 0.1f, -0.1f}},
         {{0, 0, 0}, {p, p, p}, {2, 3, 1}, {-0.1f, -0.1f, 0.1f}},
-        {{0, 0, 0}, {p, p, p}, {3, 2, 1}, {-0.1f, 0.1f, -0.1f}},
         // B = (-q, q, -q) is just as far: a tie keeps the candidate.
         {{0, 0, 0}, {q, q, q}, {1, 2, 3}, {q, q, q}},
         {{0.5f, -1, 2}, {0.5f, -1, 2}, {3, 1, 2}, {0.5f, -1, 2}},

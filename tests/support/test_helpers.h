@@ -1,5 +1,5 @@
-// Helpers shared by the tests: stream capture, temporary folders, files and
-// the printed error chain.
+// Helpers shared by the tests: stream capture, temporary folders, files,
+// skeleton texts and the printed error chain.
 #pragma once
 
 #include <iosfwd>
@@ -47,6 +47,18 @@ void writeFile(const std::string& path, const std::string& content);
 std::string readFile(const std::string& path);
 // The text with every "\n" turned into "\r\n", as a Windows tool writes it.
 std::string withCRLF(const std::string& text);
+
+// A skeleton file: its root's DOF order, :bonedata and :hierarchy sections
+// are given, the rest is fixed (radians, the given length unit).
+std::string skeletonText(const std::string& rootOrder,
+                         const std::string& bones,
+                         const std::string& hierarchy,
+                         const std::string& lengthUnit = "1");
+// One bone block on one line; the DOF list may hold limits and groups.
+std::string boneBlock(
+    const std::string& name,
+    const std::string& dofs = "",
+    const std::string& geometry = "direction 1 0 0 length 1 axis 0 0 0 XYZ");
 
 // What KtCheckException prints for the pending chain (and clears it); empty
 // when nothing is pending.

@@ -76,20 +76,19 @@ TEST(KtFormatFloat, WritesPrintfsSixDigitForms)
         EXPECT_EQ(c.text, formatted(c.value)) << std::hexfloat << c.value;
 }
 
-// The exhaustive check over all 2^32 floats runs in the benchmark (make
-// verify-format); here every tie, the neighbourhood of every power of ten,
-// and an even spread over all bit patterns, subnormals and NaNs included.
-TEST(KtFormatFloat, MatchesPrintfOnTiesPowersOfTenAndASpreadOfAllFloats)
+// Every tie, and all 2^32 floats, are checked in the benchmark (make bench,
+// make verify-format); here the neighbourhood of every power of ten and an
+// even spread over all bit patterns, subnormals and NaNs included.
+TEST(KtFormatFloat, MatchesPrintfNearPowersOfTenAndOnASpreadOfAllFloats)
 {
     PrintfComparison compare;
-    forEachFloatTie([&](float value) { compare(value); });
     forEachFloatNearPowerOfTen(16, [&](float value) { compare(value); });
     constexpr uint32_t kStride = 2053; // odd, so every low bit pattern occurs
     for (uint32_t bits = 0; bits < 0x80000000u - kStride; bits += kStride)
         compare(floatFromBits(bits));
     for (uint32_t bits = 1; bits < 0x800000u; bits += 97) // subnormals
         compare(floatFromBits(bits));
-    EXPECT_GT(compare.checked(), 6000000);
+    EXPECT_GT(compare.checked(), 2000000);
     EXPECT_EQ(0, compare.mismatches());
 }
 
