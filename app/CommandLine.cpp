@@ -41,7 +41,7 @@ bool parseCommandLine(int argc,
     const ProgramOption filter = {
         "-filter", &filterText, "\nERROR: Expecting filter names.\n"};
     ProgramDescription program;
-    program.name = "motbake";
+    program.name = kMotbakeName;
     program.version = kMotbakeVersion;
     program.printUsage = printUsage;
     program.printManpage = printManpage;

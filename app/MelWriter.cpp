@@ -12,6 +12,7 @@
 #include "asf/KaASF.h"
 #include "pose/BodyTable.h"
 #include "pose/ChannelLayout.h"
+#include "program/MelScript.h"
 #include "toolkit/KtError.h"
 
 KtStr theFilterText;
@@ -58,18 +59,6 @@ KtList<KtStr> filterNames(const KtStr& filterText)
         names.append(name);
     }
     return names;
-}
-
-void writeHeader(std::ostream& out)
-{
-    out << "//\n"
-        << "// MEL script created by motbake version " << kMotbakeVersion
-        << "\n"
-        << "//\n"
-        << "// Quorvane, Inc.\n"
-        << "//\n"
-        << "\n"
-        << "\n";
 }
 
 // A body that translates at all gets all three position channels, matching
@@ -336,7 +325,7 @@ void writeMELScript(std::ostream& out,
                     const KtStr& filterText)
 {
     KtList<KtStr> filters = filterNames(filterText);
-    writeHeader(out);
+    writeMELHeader(out, kMotbakeName, kMotbakeVersion);
     if (!writeCreateDevice(out, bodies, layout))
         return;
     writeDeviceProcs(out);

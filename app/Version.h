@@ -2,4 +2,6 @@
 // script.
 #pragma once
 
+// The name the program goes by in its texts, whatever path started it.
+constexpr const char* kMotbakeName = "motbake";
 constexpr const char* kMotbakeVersion = "1.1";

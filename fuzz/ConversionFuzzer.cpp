@@ -75,17 +75,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         return 0;
     theExceptObj.clear();
     std::vector<std::string> parts = splitDocuments(fuzzText(data, size), 3);
-    std::istringstream skeletonText(parts[0]);
-    std::istringstream motionText(parts[1]);
     KaASF skeleton;
     KaAMC motion;
-    skeleton.scanFrom(skeletonText);
-    if (!theExceptObj.errorOccurred())
-        motion.scanFrom(motionText);
     // The run stops at a read error; warnings let it go on.
-    if (!theExceptObj.errorOccurred())
+    if (readDocuments(parts[0], parts[1], &skeleton, &motion))
     {
-        theExceptObj.clear();
         ConversionSettings settings;
         settings.fps = 30;
         settings.filterText = parts[2].c_str();

@@ -4,8 +4,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <sstream>
 #include <string>
 #include <vector>
+
+#include "amc/KaAMC.h"
+#include "asf/KaASF.h"
+#include "toolkit/KtError.h"
 
 // Real skeletons are a few kilobytes; larger inputs only slow the search.
 // The replay feeds saved inputs through the same cap.
@@ -38,4 +43,22 @@ inline std::vector<std::string> splitDocuments(const std::string& text,
     parts.push_back(text.substr(start));
     parts.resize(count);
     return parts;
+}
+
+// Reads the skeleton and then, unless it failed, the motion, as a program
+// reads its inputs. Returns true when both read; warnings are dropped.
+inline bool readDocuments(const std::string& skeletonText,
+                          const std::string& motionText,
+                          KaASF* skeleton,
+                          KaAMC* motion)
+{
+    std::istringstream skeletonIn(skeletonText);
+    skeleton->scanFrom(skeletonIn);
+    if (theExceptObj.errorOccurred())
+        return false;
+    std::istringstream motionIn(motionText);
+    motion->scanFrom(motionIn);
+    bool read = !theExceptObj.errorOccurred();
+    theExceptObj.clear();
+    return read;
 }

@@ -1,7 +1,6 @@
 // Fuzz target: rigbake's whole run held in memory. Any bytes are read as a
 // skeleton; what reads is made into joints and a script. A rig must keep
 // its promises: every joint after its parent, and only finite numbers.
-#include <cmath>
 #include <cstdlib>
 #include <sstream>
 #include <vector>
@@ -15,16 +14,12 @@
 namespace
 {
 
-bool finite(const KtVec3d& v)
-{
-    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
-}
-
 void checkJoints(const std::vector<RigJoint>& joints)
 {
     for (size_t i = 0; i < joints.size(); ++i)
         if (joints[i].parent >= static_cast<int>(i) ||
-            !finite(joints[i].translate) || !finite(joints[i].jointOrient))
+            !KtIsFinite(joints[i].translate) ||
+            !KtIsFinite(joints[i].jointOrient))
             std::abort();
 }
 

@@ -81,6 +81,10 @@ inline KtVec3d operator*(const KtMat3d& m, const KtVec3d& v)
                    m[2][0] * v[0] + m[2][1] * v[1] + m[2][2] * v[2]);
 }
 
+// Whether every element is a finite number.
+bool KtIsFinite(const KtVec3d& v);
+bool KtIsFinite(const KtMat3d& m);
+
 // "(x, y, z)"; a matrix as three such rows, one per line.
 std::ostream& operator<<(std::ostream& out, const KtVec3d& v);
 std::ostream& operator<<(std::ostream& out, const KtMat3d& m);

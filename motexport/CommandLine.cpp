@@ -89,7 +89,7 @@ bool parseExportCommandLine(int argc,
         {"-scale", &scaleText, "\nERROR: Expecting a scale factor.\n"},
         {"-up", &upText, "\nERROR: Expecting an up axis, y or z.\n"}};
     ProgramDescription program;
-    program.name = "motexport";
+    program.name = kMotexportName;
     program.version = kMotexportVersion;
     program.printUsage = printExportUsage;
     program.printManpage = printExportManpage;

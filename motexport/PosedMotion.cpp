@@ -15,19 +15,6 @@ double length(const KtVec3d& v)
     return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
 }
 
-bool isFinite(const KtVec3d& v)
-{
-    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
-}
-
-bool isFinite(const KtMat3d& m)
-{
-    for (int row = 0; row < 3; ++row)
-        if (!isFinite(KtVec3d(m[row][0], m[row][1], m[row][2])))
-            return false;
-    return true;
-}
-
 } // namespace
 
 PosedMotion::PosedMotion(const KaASF& asf,
@@ -88,8 +75,8 @@ bool PosedMotion::checkFinite()
     if (numFrames() > 0)
         evaluate(0);
     for (int body = 0; body < numBodies(); ++body)
-        if (!isFinite(start(body)) || !isFinite(end(body)) ||
-            !isFinite(_pose.relativeRotation(body)))
+        if (!KtIsFinite(start(body)) || !KtIsFinite(end(body)) ||
+            !KtIsFinite(_pose.relativeRotation(body)))
         {
             if (numFrames() > 0)
                 reportNotFinite(body, 0);

@@ -31,7 +31,7 @@ bool parseRigbakeCommandLine(int argc,
                              int* status)
 {
     ProgramDescription program;
-    program.name = "rigbake";
+    program.name = kRigbakeName;
     program.version = kRigbakeVersion;
     program.printUsage = printRigbakeUsage;
     program.printManpage = printRigbakeManpage;

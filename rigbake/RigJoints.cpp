@@ -44,19 +44,6 @@ bool canNameNode(const char* name)
     return c != name;
 }
 
-bool isFinite(const KtVec3d& v)
-{
-    return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]);
-}
-
-bool isFinite(const KtMat3d& m)
-{
-    for (int row = 0; row < 3; ++row)
-        if (!isFinite(KtVec3d(m[row][0], m[row][1], m[row][2])))
-            return false;
-    return true;
-}
-
 // Rotation values reach the joint's rotate attributes in DOF order (the
 // motion M of the standard pose); the axes a body lacks never turn, so
 // their place in the order does not matter.
@@ -130,10 +117,10 @@ bool RigMaker::check() const
 
 bool RigMaker::_checkRoot() const
 {
-    if (!isFinite(_pose.rootPosition()))
+    if (!KtIsFinite(_pose.rootPosition()))
         KtError("The root's position divided by the length unit is not a "
                 "finite number.");
-    else if (!isFinite(_pose.axisFrame(StandardPose::kRoot)))
+    else if (!KtIsFinite(_pose.axisFrame(StandardPose::kRoot)))
         KtError("The root's orientation is not a finite number.");
     else
         return true;
@@ -154,11 +141,11 @@ bool RigMaker::_checkBone(int body,
                 "another joint.",
                 name,
                 joint.c_str());
-    else if (!isFinite(_pose.boneVector(body)))
+    else if (!KtIsFinite(_pose.boneVector(body)))
         KtError("Bone \"%s\": its direction times its length divided by the "
                 "length unit is not a finite number.",
                 name);
-    else if (!isFinite(_pose.axisFrame(body)))
+    else if (!KtIsFinite(_pose.axisFrame(body)))
         KtError("Bone \"%s\": its axis is not a finite number.", name);
     else
         return true;

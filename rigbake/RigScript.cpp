@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "program/MelScript.h"
 #include "rigbake/RigJoints.h"
 #include "rigbake/Version.h"
 
@@ -32,18 +33,6 @@ std::ostream& operator<<(std::ostream& out, Number number)
     char text[32];
     std::snprintf(text, sizeof text, kNumberFormat, value);
     return out << text;
-}
-
-void writeHeader(std::ostream& out)
-{
-    out << "//\n"
-        << "// MEL script created by rigbake version " << kRigbakeVersion
-        << "\n"
-        << "//\n"
-        << "// Quorvane, Inc.\n"
-        << "//\n"
-        << "\n"
-        << "\n";
 }
 
 // Maya would give a new joint whose name is taken another name, and
@@ -138,7 +127,7 @@ void writeBuild(std::ostream& out)
 
 void writeRigScript(std::ostream& out, const std::vector<RigJoint>& joints)
 {
-    writeHeader(out);
+    writeMELHeader(out, kRigbakeName, kRigbakeVersion);
     writeExistenceCheck(out, joints);
     writeCreation(out, joints);
     writeBuild(out);
