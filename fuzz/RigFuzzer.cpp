@@ -14,13 +14,16 @@
 namespace
 {
 
-void checkJoints(const std::vector<RigJoint>& joints)
+void checkJoints(const RigJoints& joints)
 {
-    for (size_t i = 0; i < joints.size(); ++i)
-        if (joints[i].parent >= static_cast<int>(i) ||
-            !KtIsFinite(joints[i].translate) ||
-            !KtIsFinite(joints[i].jointOrient))
-            std::abort();
+    int count = 0;
+    joints.forEach(
+        [&count](const RigJoint& joint)
+        {
+            if (joint.parent >= count++ || !KtIsFinite(joint.translate) ||
+                !KtIsFinite(joint.jointOrient))
+                std::abort();
+        });
 }
 
 } // namespace
@@ -33,8 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     std::istringstream in(fuzzText(data, size));
     KaASF skeleton;
     skeleton.scanFrom(in);
-    std::vector<RigJoint> joints;
-    if (!theExceptObj.errorOccurred() && makeRigJoints(skeleton, &joints))
+    const RigJoints joints(skeleton);
+    if (!theExceptObj.errorOccurred() && joints.check())
     {
         checkJoints(joints);
         std::ostringstream script;

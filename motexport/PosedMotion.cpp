@@ -74,6 +74,8 @@ bool PosedMotion::checkFinite()
 {
     if (numFrames() > 0)
         evaluate(0);
+    else
+        _pose.evaluateRest();
     for (int body = 0; body < numBodies(); ++body)
         if (!KtIsFinite(start(body)) || !KtIsFinite(end(body)) ||
             !KtIsFinite(_pose.relativeRotation(body)))

@@ -49,8 +49,6 @@ StandardPose::StandardPose(const KaASF& asf)
     _rootPosition = _lengthScale * _rootPosition;
     _addBodies(asf);
     _orderParentsFirst();
-    _posed.resize(_bodies.size());
-    evaluateRest();
 }
 
 void StandardPose::_addBodies(const KaASF& asf)
@@ -61,7 +59,6 @@ void StandardPose::_addBodies(const KaASF& asf)
     {
         Body body;
         body.axisFrame = axisFrameOf(angles, order);
-        body.inverseAxisFrame = body.axisFrame.transposed();
         body.firstDof = static_cast<int>(_dofCodes.size());
         body.numDofs = dofs.numDOFs();
         for (const KaASFDOF* dof : dofs.dofs())
@@ -69,6 +66,11 @@ void StandardPose::_addBodies(const KaASF& asf)
         _bodies.push_back(body);
         return _bodies.back();
     };
+    _bodies.reserve(asf.bones().count() + 1);
+    int numDofs = asf.root().dofGroup().numDOFs();
+    for (const KaASFBone* bone : asf.bones())
+        numDofs += bone->dofGroup().numDOFs();
+    _dofCodes.reserve(numDofs);
     const KaASFRoot& root = asf.root();
     add(vectorOf(root.orientation()), root.axisOrder(), root.dofGroup());
 
@@ -105,6 +107,9 @@ void StandardPose::_orderParentsFirst()
 
 void StandardPose::evaluate(const KaAMCBone* const* values, int degrees)
 {
+    // Made at the first evaluation, so that what only needs the skeleton's
+    // fixed parts (a rig) never holds a pose.
+    _posed.resize(_bodies.size());
     double angleScale = degrees ? kKtRadiansPerDegree : 1.0;
     for (int body : _visitOrder)
         _evaluateBody(body, values ? values[body] : nullptr, angleScale);
@@ -154,7 +159,8 @@ void StandardPose::_evaluateBody(int body,
     // starts at its parent's end.
     Posed& posed = _posed[body];
     posed.relative =
-        turns ? fixed.axisFrame * motion * fixed.inverseAxisFrame : KtMat3d();
+        turns ? fixed.axisFrame * motion * fixed.axisFrame.transposed()
+              : KtMat3d();
     posed.rotation = turns ? parentRotation * posed.relative : parentRotation;
     posed.start =
         moves ? parentEnd + parentRotation * (fixed.axisFrame * translation)

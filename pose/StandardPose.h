@@ -29,7 +29,8 @@ public:
     static constexpr int kRoot = 0;
 
     // Everything that does not change from frame to frame is taken from the
-    // skeleton here; the pose keeps no reference to it, and starts at rest.
+    // skeleton here; the pose keeps no reference to it. Its results wait
+    // for the first evaluation.
     explicit StandardPose(const KaASF& asf);
 
     // values has count() entries: values[body] holds the body's values in
@@ -70,7 +71,6 @@ private:
     struct Body
     {
         KtMat3d axisFrame;
-        KtMat3d inverseAxisFrame;
         KtVec3d boneVector;
         int parent = -1;
         // The body's numDofs DOF codes, from _dofCodes[firstDof] on.

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <unordered_set>
+#include <cstring>
+#include <numeric>
+#include <vector>
 
 #include "asf/KaASF.h"
 #include "asf/KaAxisOrder.h"
@@ -74,6 +76,8 @@ KtVec3d orientOf(const KtMat3d& rotation)
            KtDecomposeRotation3d(rotation, kOrientOrder);
 }
 
+} // namespace
+
 // Bodies are numbered as in the standard pose: 0 the root, then the bones
 // in bone-list order.
 class RigMaker
@@ -83,20 +87,24 @@ public:
         : _asf(asf)
         , _pose(asf)
     {
+        _bones.reserve(asf.bones().count());
         for (const KaASFBone* bone : asf.bones())
             _bones.push_back(bone);
     }
 
     // Posts an error naming the first body that cannot have a joint.
     bool check() const;
-    void make(std::vector<RigJoint>* joints) const;
+    void forEach(const std::function<void(const RigJoint&)>& visit) const;
 
 private:
     bool _checkRoot() const;
-    bool _checkBone(int body, std::unordered_set<std::string>& names) const;
+    std::vector<bool> _takenNames() const;
+    bool _checkBone(int body, bool nameTaken) const;
     RigJoint _rootJoint() const;
     RigJoint _boneJoint(int body, int parentJoint) const;
-    RigJoint _endJoint(int body, int boneJoint) const;
+    RigJoint
+    _endJoint(int body, int boneJoint, const std::string& boneJointName) const;
+    std::string _jointName(int body) const;
 
     const KaASF& _asf;
     const StandardPose _pose;
@@ -107,12 +115,31 @@ bool RigMaker::check() const
 {
     if (!_checkRoot())
         return false;
-    std::unordered_set<std::string> names{std::string(kKaRootName) +
-                                          kJointSuffix};
+    const std::vector<bool> taken = _takenNames();
     for (int body = StandardPose::kRoot + 1; body < _pose.count(); ++body)
-        if (!_checkBone(body, names))
+        if (!_checkBone(body, taken[body - 1]))
             return false;
     return true;
+}
+
+// By bone: whether root_joint or an earlier bone's joint has the name of the
+// bone's joint. Sorted indices, not a set of names, so that the check costs
+// a few bytes a bone.
+std::vector<bool> RigMaker::_takenNames() const
+{
+    auto name = [this](int bone) { return _bones[bone]->name().text(); };
+    std::vector<int> byName(_bones.size());
+    std::iota(byName.begin(), byName.end(), 0);
+    std::stable_sort(byName.begin(),
+                     byName.end(),
+                     [&](int a, int b)
+                     { return std::strcmp(name(a), name(b)) < 0; });
+    std::vector<bool> taken(_bones.size());
+    for (size_t i = 0; i < byName.size(); ++i)
+        taken[byName[i]] =
+            std::strcmp(name(byName[i]), kKaRootName) == 0 ||
+            (i > 0 && std::strcmp(name(byName[i - 1]), name(byName[i])) == 0);
+    return taken;
 }
 
 bool RigMaker::_checkRoot() const
@@ -127,20 +154,18 @@ bool RigMaker::_checkRoot() const
     return false;
 }
 
-bool RigMaker::_checkBone(int body,
-                          std::unordered_set<std::string>& names) const
+bool RigMaker::_checkBone(int body, bool nameTaken) const
 {
     const char* name = _bones[body - 1]->name();
-    const std::string joint = name + std::string(kJointSuffix);
     if (!canNameNode(name))
         KtError("Bone \"%s\": its name cannot name a Maya joint (letters, "
                 "digits and underscores only, not a digit first).",
                 name);
-    else if (!names.insert(joint).second)
+    else if (nameTaken)
         KtError("Bone \"%s\": its joint \"%s\" would have the name of "
                 "another joint.",
                 name,
-                joint.c_str());
+                _jointName(body).c_str());
     else if (!KtIsFinite(_pose.boneVector(body)))
         KtError("Bone \"%s\": its direction times its length divided by the "
                 "length unit is not a finite number.",
@@ -154,25 +179,29 @@ bool RigMaker::_checkBone(int body,
 
 // Depth first, so that a chain reads from its start to its end, with an
 // explicit stack, so that no hierarchy is too deep for it.
-void RigMaker::make(std::vector<RigJoint>* joints) const
+void RigMaker::forEach(const std::function<void(const RigJoint&)>& visit) const
 {
     std::vector<std::vector<int>> children(_pose.count());
     for (int body = StandardPose::kRoot + 1; body < _pose.count(); ++body)
         children[_pose.parent(body)].push_back(body);
     std::vector<int> jointOfBody(_pose.count(), -1);
+    int numJoints = 0;
     std::vector<int> waiting{StandardPose::kRoot};
     while (!waiting.empty())
     {
         const int body = waiting.back();
         waiting.pop_back();
-        jointOfBody[body] = static_cast<int>(joints->size());
-        if (body == StandardPose::kRoot)
-            joints->push_back(_rootJoint());
-        else
-            joints->push_back(
-                _boneJoint(body, jointOfBody[_pose.parent(body)]));
+        jointOfBody[body] = numJoints++;
+        const RigJoint joint =
+            body == StandardPose::kRoot
+                ? _rootJoint()
+                : _boneJoint(body, jointOfBody[_pose.parent(body)]);
+        visit(joint);
         if (body != StandardPose::kRoot && children[body].empty())
-            joints->push_back(_endJoint(body, jointOfBody[body]));
+        {
+            visit(_endJoint(body, jointOfBody[body], joint.name));
+            ++numJoints;
+        }
         waiting.insert(
             waiting.end(), children[body].rbegin(), children[body].rend());
     }
@@ -181,7 +210,7 @@ void RigMaker::make(std::vector<RigJoint>* joints) const
 RigJoint RigMaker::_rootJoint() const
 {
     RigJoint joint;
-    joint.name = std::string(kKaRootName) + kJointSuffix;
+    joint.name = _jointName(StandardPose::kRoot);
     joint.translate = _pose.rootPosition();
     joint.jointOrient = orientOf(_pose.axisFrame(StandardPose::kRoot));
     joint.rotateOrder = rotateOrderOf(_asf.root().dofGroup());
@@ -194,33 +223,50 @@ RigJoint RigMaker::_boneJoint(int body, int parentJoint) const
     const int parent = _pose.parent(body);
     const KtMat3d toParent = _pose.axisFrame(parent).transposed();
     RigJoint joint;
-    joint.name = std::string(bone.name().text()) + kJointSuffix;
+    joint.name = _jointName(body);
     joint.parent = parentJoint;
+    joint.parentName = _jointName(parent);
     joint.translate = toParent * _pose.boneVector(parent);
     joint.jointOrient = orientOf(toParent * _pose.axisFrame(body));
     joint.rotateOrder = rotateOrderOf(bone.dofGroup());
     return joint;
 }
 
-RigJoint RigMaker::_endJoint(int body, int boneJoint) const
+RigJoint RigMaker::_endJoint(int body,
+                             int boneJoint,
+                             const std::string& boneJointName) const
 {
     RigJoint joint;
     joint.name = std::string(_bones[body - 1]->name().text()) + kEndSuffix;
     joint.parent = boneJoint;
+    joint.parentName = boneJointName;
     joint.translate =
         _pose.axisFrame(body).transposed() * _pose.boneVector(body);
     joint.isEnd = true;
     return joint;
 }
 
-} // namespace
-
-bool makeRigJoints(const KaASF& asf, std::vector<RigJoint>* joints)
+std::string RigMaker::_jointName(int body) const
 {
-    joints->clear();
-    const RigMaker maker(asf);
-    if (!maker.check())
-        return false;
-    maker.make(joints);
-    return true;
+    return (body == StandardPose::kRoot
+                ? std::string(kKaRootName)
+                : std::string(_bones[body - 1]->name().text())) +
+           kJointSuffix;
+}
+
+RigJoints::RigJoints(const KaASF& asf)
+    : _maker(std::make_unique<const RigMaker>(asf))
+{
+}
+
+RigJoints::~RigJoints() = default;
+
+bool RigJoints::check() const
+{
+    return _maker->check();
+}
+
+void RigJoints::forEach(const std::function<void(const RigJoint&)>& visit) const
+{
+    _maker->forEach(visit);
 }

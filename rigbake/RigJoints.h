@@ -3,8 +3,9 @@
 // does.
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "geometry/KtMat3d.h"
 
@@ -16,8 +17,10 @@ class KaASF;
 struct RigJoint
 {
     std::string name;
-    // Index of the parent joint among the joints; -1 for root_joint.
+    // The parent joint: its place in the order of the joints and its name;
+    // -1 and "" for root_joint.
     int parent = -1;
+    std::string parentName;
     KtVec3d translate;
     // Indexed by axis; Maya turns by X first, then Y, then Z.
     KtVec3d jointOrient;
@@ -37,7 +40,22 @@ struct RigJoint
 //   <bone>_joint   translate C_p^-1 . v_p, orient C_p^-1 . C,
 //                  rotate order that of the bone's rotation DOFs;
 //   <bone>_end     translate C^-1 . v.
-// Returns false, with an error naming the body posted and joints left
-// empty, when a bone's name cannot name a Maya node, two bodies would get
-// the same joint name, or a body's geometry is not finite.
-bool makeRigJoints(const KaASF& asf, std::vector<RigJoint>* joints);
+// The joints are worked out one at a time as they are visited, never held
+// all at once: a rig of a million bones costs no more than its skeleton.
+class RigJoints
+{
+public:
+    // The skeleton must outlive the joints.
+    explicit RigJoints(const KaASF& asf);
+    ~RigJoints();
+
+    // False, with an error naming the body posted, when a bone's name
+    // cannot name a Maya node, two bodies would get the same joint name, or
+    // a body's geometry is not finite.
+    bool check() const;
+    // Calls visit with every joint in order; check() first.
+    void forEach(const std::function<void(const RigJoint&)>& visit) const;
+
+private:
+    std::unique_ptr<const class RigMaker> _maker;
+};

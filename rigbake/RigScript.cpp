@@ -37,15 +37,19 @@ std::ostream& operator<<(std::ostream& out, Number number)
 
 // Maya would give a new joint whose name is taken another name, and
 // motbake's channels would then drive the old node.
-void writeExistenceCheck(std::ostream& out, const std::vector<RigJoint>& joints)
+void writeExistenceCheck(std::ostream& out, const RigJoints& joints)
 {
     out << "proc int rigJointsExist()\n"
         << "{\n"
-        << "  string $joints[] = {\n";
-    for (size_t i = 0; i < joints.size(); ++i)
-        out << "    \"" << joints[i].name << "\""
-            << (i + 1 < joints.size() ? ",\n" : "\n");
-    out << "  };\n"
+        << "  string $joints[] = {";
+    const char* separator = "\n";
+    joints.forEach(
+        [&](const RigJoint& joint)
+        {
+            out << separator << "    \"" << joint.name << "\"";
+            separator = ",\n";
+        });
+    out << "\n  };\n"
         << "  int $exists = 0;\n"
         << "\n"
         << "  for ($joint in $joints) {\n"
@@ -70,13 +74,11 @@ void writeVector(std::ostream& out,
         << Number{v[0]} << " " << Number{v[1]} << " " << Number{v[2]} << ";\n";
 }
 
-void writeJoint(std::ostream& out,
-                const RigJoint& joint,
-                const std::vector<RigJoint>& joints)
+void writeJoint(std::ostream& out, const RigJoint& joint)
 {
     out << "  createNode joint -n \"" << joint.name << "\"";
     if (joint.parent >= 0)
-        out << " -p \"" << joints[joint.parent].name << "\"";
+        out << " -p \"" << joint.parentName << "\"";
     out << ";\n";
     writeVector(out, joint.name, "translate", joint.translate);
     if (joint.isEnd)
@@ -87,12 +89,11 @@ void writeJoint(std::ostream& out,
 }
 
 // The procedure returns a value so that catch can call it.
-void writeCreation(std::ostream& out, const std::vector<RigJoint>& joints)
+void writeCreation(std::ostream& out, const RigJoints& joints)
 {
     out << "proc int createRigJoints()\n"
         << "{\n";
-    for (const RigJoint& joint : joints)
-        writeJoint(out, joint, joints);
+    joints.forEach([&](const RigJoint& joint) { writeJoint(out, joint); });
     out << "  return 1;\n"
         << "}\n"
         << "\n";
@@ -125,7 +126,7 @@ void writeBuild(std::ostream& out)
 
 } // namespace
 
-void writeRigScript(std::ostream& out, const std::vector<RigJoint>& joints)
+void writeRigScript(std::ostream& out, const RigJoints& joints)
 {
     writeMELHeader(out, kRigbakeName, kRigbakeVersion);
     writeExistenceCheck(out, joints);

@@ -3,13 +3,11 @@
 #pragma once
 
 #include <iosfwd>
-#include <vector>
 
-struct RigJoint;
+class RigJoints;
 
-// Writes the whole script for the joints, each listed after its parent (as
-// makeRigJoints gives them). Run in Maya, the script creates nothing and
+// Writes the whole script for the joints, which have passed their check. Run in Maya, the script creates nothing and
 // prints the names in use when a node already has one of the joints' names;
 // otherwise it creates the joints with lengths in inches and angles in
 // degrees, and then restores the units that were current.
-void writeRigScript(std::ostream& out, const std::vector<RigJoint>& joints);
+void writeRigScript(std::ostream& out, const RigJoints& joints);

@@ -1,8 +1,6 @@
 // rigbake's run: read the skeleton, work out its joints, write the script.
 #include "rigbake/RunSequence.h"
 
-#include <vector>
-
 #include "asf/KaASF.h"
 #include "program/DistinctFiles.h"
 #include "program/ExitStatus.h"
@@ -23,8 +21,8 @@ int runRigbake(const RigbakeArguments& run)
         return kExitFailure;
     // Before the overwrite question: nobody should be asked to replace a
     // file that will not be written.
-    std::vector<RigJoint> joints;
-    if (!makeRigJoints(asf, &joints))
+    const RigJoints joints(asf);
+    if (!joints.check())
     {
         KtError("Unable to make a rig of \"%s\": nothing was written.",
                 run.asfFile);

@@ -14,6 +14,7 @@
 #include "rigbake/RigScript.h"
 #include "support/documents.h"
 #include "support/geometry3d_helpers.h"
+#include "support/heap_watch.h"
 #include "support/maya_joint_model.h"
 
 namespace
@@ -27,8 +28,8 @@ constexpr double kTolerance = 5e-5;
 // the standard pose of the same frame.
 void expectPromiseKept(const KaASF& asf, const KaAMC& amc)
 {
-    std::vector<RigJoint> joints;
-    ASSERT_TRUE(makeRigJoints(asf, &joints));
+    const RigJoints joints(asf);
+    ASSERT_TRUE(joints.check());
     std::ostringstream rig;
     writeRigScript(rig, joints);
     ConvertedTexts motbake =
@@ -105,7 +106,7 @@ TEST(RigScript, MotbakesChannelsPoseTheRigAsTheStandardPose)
     expectPromiseKept(human, walk);
 }
 
-// Each refusal names the body; nothing of the rig is left.
+// Each refusal names the body.
 TEST(RigJoints, RefusesASkeletonThatCannotHaveARig)
 {
     auto hanging = [](const std::string& name,
@@ -136,9 +137,7 @@ TEST(RigJoints, RefusesASkeletonThatCannotHaveARig)
     // clang-format on
     for (const auto& c : cases)
     {
-        std::vector<RigJoint> joints(1);
-        EXPECT_FALSE(makeRigJoints(skeletonFrom(c.skeleton), &joints));
-        EXPECT_TRUE(joints.empty());
+        EXPECT_FALSE(RigJoints(skeletonFrom(c.skeleton)).check());
         EXPECT_EQ(errorBlock({c.error.c_str()}), printedChain()) << c.skeleton;
     }
 }
@@ -154,11 +153,29 @@ TEST(RigJoints, ListsEveryJointAfterItsParentInAnyDepth)
         hierarchy += "    b" + std::to_string(100000 - i - 1) + " b" +
                      std::to_string(100000 - i) + "\n";
     }
-    std::vector<RigJoint> joints;
     KaASF chain = skeletonFrom(
         skeletonText("TX TY TZ", bones + boneBlock("b0", ""), hierarchy));
-    ASSERT_TRUE(makeRigJoints(chain, &joints));
-    ASSERT_EQ(100002u, joints.size());
-    for (size_t i = 1; i < joints.size(); ++i)
-        ASSERT_EQ(static_cast<int>(i) - 1, joints[i].parent) << joints[i].name;
+    const RigJoints joints(chain);
+    ASSERT_TRUE(joints.check());
+    int count = 0;
+    joints.forEach([&count](const RigJoint& joint)
+                   { ASSERT_EQ(count++ - 1, joint.parent) << joint.name; });
+    ASSERT_EQ(100002, count);
+}
+
+// The joints are worked out as the script is written, never held all at
+// once: a skeleton of many short bones costs its rig a few numbers a bone.
+TEST(RigJoints, CostAFewNumbersABone)
+{
+    const int bones = 20000;
+    std::string bonedata;
+    for (int i = 0; i < bones; ++i)
+        bonedata += boneBlock("b" + std::to_string(i), "");
+    KaASF asf = skeletonFrom(skeletonText("TX TY TZ", bonedata, ""));
+    HeapWatch watch;
+    const RigJoints joints(asf);
+    ASSERT_TRUE(joints.check());
+    std::ostream nowhere(nullptr);
+    writeRigScript(nowhere, joints);
+    EXPECT_LT(watch.peakGrowth(), 200u * bones);
 }
