@@ -111,8 +111,8 @@ TEST(Motexport, ARefusedRunLeavesNoOutputBehind)
         zeroUnit.find(":units length 1"), lengthZero.size(), lengthZero);
     // clang-format off
     const struct { std::string skeleton, motion, err; } cases[] = {
-        {kSkeleton, kMotion + "3\nroot 1 2 3 0 0 0\narm 10 20\n",
-         errorBlock({"Bone \"arm\" has 3 dofs in the ASF, but 2 values in frame 3 of the AMC."})},
+        {kSkeleton, kMotion + "7\nroot 1 2 3 0 0 0\narm 10 20\n",
+         errorBlock({"Bone \"arm\" has 3 dofs in the ASF, but 2 values in frame 7 of the AMC."})},
         {kSkeleton, kMotion + "3\narm 10 20 30\nroot 1 2 3 0 0 0\n",
          errorBlock({"Every frame of the AMC must hold the first frame's bone lines in the same order.",
                      "Bone line 1 of frame 3 is \"arm\" where the first frame has \"root\"."})},
