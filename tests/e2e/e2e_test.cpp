@@ -21,16 +21,6 @@ const std::string kBanner = "\nmotbake version 1.1\n\n"
 const std::string kMov = "0.0333333 1 2 3 0 0 0 10 20 30 \n"
                          "0.0666667 1 2 3 0 0 0 10 20 30 \n";
 
-std::string reading(const std::string& path)
-{
-    return "Reading file: " + path + " ...done.\n";
-}
-
-std::string writing(const std::string& path)
-{
-    return "Writing \"" + path + "\"...done.\n";
-}
-
 const std::string kAsk = "Overwrite? [Y/N] ";
 
 std::string prompt(const std::string& path)

@@ -1,7 +1,6 @@
 // Hostile inputs through the real program: Windows line ends, bones the
 // skeleton lacks, a skeleton without bones, a chain 100,000 bones deep,
-// values and frame numbers at the edges, damaged compressed input, and a
-// skeleton larger than the memory the program may have.
+// values and frame numbers at the edges, and damaged compressed input.
 #include <cstdlib>
 #include <string>
 
@@ -143,30 +142,4 @@ TEST(MotbakeHostile, ADamagedCompressedInputFailsTheRead)
         EXPECT_EQ(std::string::npos, run.out.find(damaged + " ...done."));
         EXPECT_FALSE(KtFileExists(job.mel.c_str()));
     }
-}
-
-// A skeleton too large for the memory the program may have ends with the
-// containers' message, whichever allocation fails first. The sanitizers
-// reserve more address space than the limit allows, and report a failed
-// allocation their own way, so only a plain build can show this.
-TEST(MotbakeHostile, RunningOutOfMemoryEndsWithTheMessage)
-{
-#if defined(__SANITIZE_ADDRESS__)
-    GTEST_SKIP() << "needs a build without AddressSanitizer";
-#endif
-    TempDir dir;
-    writeFile(dir.file("body.asf"),
-              ":version 1.10\n:skin\n" + std::string(16 << 20, '<'));
-    writeFile(dir.file("move.amc"), kMotionHeader + "1\nroot 1 2 3 4 5 6\n");
-    RunResult run = runProgram("/usr/bin/prlimit",
-                               {"--as=24000000",
-                                MOTBAKE_BIN,
-                                "-f",
-                                dir.file("body.asf"),
-                                dir.file("move.amc"),
-                                "30",
-                                dir.file("move.mel"),
-                                dir.file("move.mov")});
-    EXPECT_EQ(-1, run.status);
-    EXPECT_EQ("Memory allocation failed\n", run.err);
 }

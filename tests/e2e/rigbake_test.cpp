@@ -18,16 +18,6 @@ const std::string kBanner = "\nrigbake version 1.0\n\n"
 const std::string kUsage = "     rigbake [-h] [-copyright] [-f]\n"
                            "             <asf_file> <mel_file>\n";
 
-std::string reading(const std::string& path)
-{
-    return "Reading file: " + path + " ...done.\n";
-}
-
-std::string writing(const std::string& path)
-{
-    return "Writing \"" + path + "\"...done.\n";
-}
-
 } // namespace
 
 // The bundled example's skeleton gives the expected rig script.

@@ -155,11 +155,8 @@ TEST(KtGetDecomposedRotationMatrix, CompletesOrdersGivenWithFewerAxes)
     // Given, then completed; 0 0 0: left incomplete, angles (0, 0, 0).
     // clang-format off
     const int cases[][2][3] = {
-        {{3, 0, 0}, {3, 1, 2}}, {{1, 0, 0}, {0, 0, 0}}, {{2, 0, 0}, {0, 0, 0}},
-        {{1, 2, 0}, {1, 2, 3}}, {{2, 1, 0}, {2, 1, 3}}, {{2, 3, 0}, {2, 3, 1}},
-        {{3, 1, 0}, {3, 1, 2}}, {{3, 2, 0}, {0, 0, 0}}, {{1, 3, 0}, {0, 0, 0}},
-        {{1, 1, 2}, {0, 0, 0}}, {{1, 2, 2}, {0, 0, 0}}, {{4, 1, 2}, {0, 0, 0}},
-        {{0, 2, 3}, {0, 0, 0}}};
+        {{3, 0, 0}, {3, 1, 2}}, {{1, 0, 0}, {0, 0, 0}}, {{2, 1, 0}, {2, 1, 3}},
+        {{3, 2, 0}, {0, 0, 0}}, {{1, 1, 2}, {0, 0, 0}}, {{4, 1, 2}, {0, 0, 0}}};
     // clang-format on
     Kt3X3FloatMat m = compose({0.3f, -0.5f, 0.9f}, {3, 1, 2});
     for (const auto& c : cases)
@@ -176,8 +173,8 @@ TEST(KtGetDecomposedRotationMatrix, CompletesOrdersGivenWithFewerAxes)
 }
 
 // Only the rotation block of a frame counts. With the third axis inferred,
-// an angle beyond a quarter turn on it flips the triple; given in full, or
-// within a quarter turn, the order never flips.
+// an angle beyond a quarter turn on it flips the triple; within a quarter
+// turn it does not.
 TEST(KtGetDecomposedRotationMatrix, InferredAxisBeyondAQuarterTurnFlips)
 {
     const int full[3] = {2, 3, 1};
@@ -191,8 +188,6 @@ TEST(KtGetDecomposedRotationMatrix, InferredAxisBeyondAQuarterTurnFlips)
     EXPECT_FLOAT_EQ(static_cast<float>(kPi + 0.3), found[2]); // middle
     EXPECT_MATRIX_NEAR(compose({2.5f, 0.4f, -0.3f}, full),
                        compose(found, full));
-    frame.findAngles(&found, full);
-    EXPECT_FLOAT_EQ(2.5f, found[0]);
     KtGetDecomposedRotationMatrix(
         &found, {2, 3, 0}, compose({1.5f, 0.4f, -0.3f}, full));
     EXPECT_FLOAT_EQ(1.5f, found[0]);
@@ -206,18 +201,14 @@ TEST(KtGetClosestAngles, PicksTheNearerTripleAfterWrapping)
     const float t = static_cast<float>(4 * kPi);
     // clang-format off
     const struct { float ref[3]; float cand[3]; int order[3]; float expected[3]; } cases[] = {
-        // A costs 3 (pi - 0.1)^2, B = (-0.1, 0.1, -0.1) only 0.03; the middle
-        // axis of the order is the one mirrored.
+        // A costs 3 (pi - 0.1)^2, B = (-0.1, 0.1, -0.1) only 0.03.
         {{0, 0, 0}, {p, p, p}, {1, 2, 3}, {-0.1f, 0.1f, -0.1f}},
-        {{0, 0, 0}, {p, p, p}, {2, 3, 1}, {-0.1f, -0.1f, 0.1f}},
         // B = (-q, q, -q) is just as far: a tie keeps the candidate.
         {{0, 0, 0}, {q, q, q}, {1, 2, 3}, {q, q, q}},
-        {{0.5f, -1, 2}, {0.5f, -1, 2}, {3, 1, 2}, {0.5f, -1, 2}},
         // Two turns away, wrapped back component by component.
         {{0.2f, -0.3f, 0.1f}, {0.2f + t, -0.3f - t, 0.1f + t}, {1, 2, 3}, {0.2f, -0.3f, 0.1f}},
-        // Orders that are not 1, 2, 3 once each: the candidate, unchanged.
-        {{0, 0, 0}, {7, 8, 9}, {1, 2, 1}, {7, 8, 9}},
-        {{0, 0, 0}, {7, 8, 9}, {0, 1, 2}, {7, 8, 9}}};
+        // An order that is not 1, 2, 3 once each: the candidate, unchanged.
+        {{0, 0, 0}, {7, 8, 9}, {1, 2, 1}, {7, 8, 9}}};
     // clang-format on
     for (const auto& c : cases)
     {
@@ -244,7 +235,4 @@ TEST(KtGetClosestAngles, ArrayFormsAndDegenerateInput)
     KtGetClosestAngles(&result, zero, {1e30f, -1e20f, inf}, {1, 2, 3});
     EXPECT_LE(std::fabs(result[1]), kPi + 1e-5);
     EXPECT_TRUE(std::isnan(result[2]));
-    KtGetClosestAngles(
-        &result, {1e9f, 1e9f, 1e9f}, {1e9f + 64, 0, 0}, {1, 2, 3});
-    EXPECT_TRUE(std::isfinite(result[0]));
 }

@@ -1,5 +1,4 @@
 // motexport's command line: what is refused before anything is read.
-#include <iostream>
 #include <string>
 #include <vector>
 
@@ -11,20 +10,10 @@
 namespace
 {
 
-struct Outcome
-{
-    int status;
-    std::string out;
-    std::string err;
-};
-
-Outcome runMain(std::vector<const char*> args)
+MainOutcome runMotexport(std::vector<const char*> args)
 {
     args.insert(args.begin(), "motexport");
-    StreamCapture out(std::cout);
-    StreamCapture err(std::cerr);
-    int status = motexportMain(static_cast<int>(args.size()), args.data());
-    return {status, out.text(), err.text()};
+    return runMain(motexportMain, args);
 }
 
 const std::string kBanner = "\nmotexport version 1.0\n\nCopyright (c) "
@@ -34,14 +23,14 @@ const std::string kBanner = "\nmotexport version 1.0\n\nCopyright (c) "
 
 TEST(MotexportCommandLine, ShowsUsageAndManualPage)
 {
-    Outcome bare = runMain({});
+    MainOutcome bare = runMotexport({});
     EXPECT_EQ(0, bare.status);
     EXPECT_EQ("\nUSAGE\n     motexport [-h] [-copyright] [-f] [-scale "
               "<factor>] [-up y|z]\n"
               "               <asf_file> <amc_file> <fps> <out_file> "
               "[<out_file> ...]\n\nVERSION\n  1.0\n\n",
               bare.out);
-    Outcome help = runMain({"-H"});
+    MainOutcome help = runMotexport({"-H"});
     EXPECT_EQ(0, help.status);
     EXPECT_NE(std::string::npos, help.out.find("\nBVH\n"));
     EXPECT_NE(std::string::npos, help.out.find("\nCSV\n"));
@@ -81,7 +70,7 @@ TEST(MotexportCommandLine, RefusesBadArgumentsBeforeReading)
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.err);
-        Outcome run = runMain(c.args);
+        MainOutcome run = runMotexport(c.args);
         EXPECT_EQ(1, run.status);
         EXPECT_EQ(c.err, run.err);
         if (c.args.size() > 1)

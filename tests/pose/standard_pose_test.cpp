@@ -2,19 +2,16 @@
 // order, a foot's tilted axis, a chain with translations, an absent bone and
 // a length unit of 0.45, and every bone starting where its parent ends.
 #include <cmath>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "amc/KaAMC.h"
-#include "asf/KaASF.h"
 #include "geometry/KtEuler3d.h"
 #include "pose/BodyTable.h"
 #include "pose/StandardPose.h"
+#include "support/documents.h"
 #include "support/geometry3d_helpers.h"
-#include "support/test_helpers.h"
 
 namespace
 {
@@ -25,26 +22,16 @@ constexpr double kQuarter = 1.5707963267948966;
 // about 1e-7 from the values worked out for the numbers as written.
 constexpr double kAsWritten = 1e-6;
 
-template <class Document>
-Document read(const std::string& text)
-{
-    Document document;
-    std::istringstream in(text);
-    document.scanFrom(in);
-    EXPECT_EQ("", printedChain()) << text;
-    return document;
-}
-
 // Degrees; root and bones hold the lines of their sections.
 KaASF skeleton(const std::string& root,
                const std::string& bones,
                const std::string& hierarchy,
                const std::string& unit = "1")
 {
-    return read<KaASF>(":version 1.10\n:name t\n:units\n  length " + unit +
-                       "\n  angle deg\n:root\n  order TX TY TZ RX RY RZ\n" +
-                       root + "\n:bonedata\n" + bones +
-                       "\n:hierarchy\n  begin\n" + hierarchy + "\n  end\n");
+    return skeletonFrom(":version 1.10\n:name t\n:units\n  length " + unit +
+                        "\n  angle deg\n:root\n  order TX TY TZ RX RY RZ\n" +
+                        root + "\n:bonedata\n" + bones +
+                        "\n:hierarchy\n  begin\n" + hierarchy + "\n  end\n");
 }
 
 // Each body's values in the field, found by name.
@@ -56,9 +43,9 @@ const KaAMCBone* const* valuesOf(const KaAMCField& field, BodyTable& bodies)
 
 StandardPose pose(const KaASF& asf, const std::string& frame, int degrees = 1)
 {
-    KaAMC motion =
-        read<KaAMC>(std::string(":FULLY-SPECIFIED\n") +
-                    (degrees ? ":DEGREES" : ":RADIANS") + "\n1\n" + frame);
+    KaAMC motion = documentFrom<KaAMC>(std::string(":FULLY-SPECIFIED\n") +
+                                       (degrees ? ":DEGREES" : ":RADIANS") +
+                                       "\n1\n" + frame);
     StandardPose standard(asf);
     BodyTable bodies(asf, nullptr);
     standard.evaluate(valuesOf(motion.field(0), bodies), degrees);

@@ -1,6 +1,5 @@
 // Writing an output whole: the target changes only when the new content is
 // complete, keeps its permissions, and nothing else is left in its folder.
-#include <dirent.h>
 #include <iostream>
 #include <string>
 #include <sys/stat.h>
@@ -14,17 +13,6 @@
 
 namespace
 {
-
-std::vector<std::string> filesIn(const std::string& folder)
-{
-    std::vector<std::string> names;
-    DIR* dir = opendir(folder.c_str());
-    while (dirent* entry = readdir(dir))
-        if (entry->d_name[0] != '.' || entry->d_name[1] > '.')
-            names.push_back(entry->d_name);
-    closedir(dir);
-    return names;
-}
 
 mode_t modeOf(const std::string& path)
 {

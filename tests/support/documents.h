@@ -21,6 +21,15 @@ Document documentFrom(const std::string& text)
     return document;
 }
 
+// The text that the document's writer gives.
+template <class Document>
+std::string writtenText(const Document& document)
+{
+    std::ostringstream out;
+    document.printOn(out);
+    return out.str();
+}
+
 inline KaASF skeletonFrom(const std::string& text)
 {
     return documentFrom<KaASF>(text);

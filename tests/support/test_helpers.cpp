@@ -2,6 +2,7 @@
 #include "support/test_helpers.h"
 
 #include <cstdlib>
+#include <dirent.h>
 #include <fstream>
 #include <ftw.h>
 #include <iostream>
@@ -20,6 +21,15 @@ StreamCapture::StreamCapture(std::ostream& stream)
 StreamCapture::~StreamCapture()
 {
     _stream.rdbuf(_saved);
+}
+
+MainOutcome runMain(int (*programMain)(int, const char* const*),
+                    std::vector<const char*> args)
+{
+    StreamCapture out(std::cout);
+    StreamCapture err(std::cerr);
+    int status = programMain(static_cast<int>(args.size()), args.data());
+    return {status, out.text(), err.text()};
 }
 
 TempDir::TempDir()
@@ -80,6 +90,19 @@ std::string readFile(const std::string& path)
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
+}
+
+std::vector<std::string> filesIn(const std::string& folder)
+{
+    std::vector<std::string> names;
+    DIR* dir = opendir(folder.c_str());
+    while (dirent* entry = dir ? readdir(dir) : nullptr)
+        if (std::string(".") != entry->d_name &&
+            std::string("..") != entry->d_name)
+            names.push_back(entry->d_name);
+    if (dir)
+        closedir(dir);
+    return names;
 }
 
 std::string withCRLF(const std::string& text)

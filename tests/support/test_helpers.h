@@ -5,6 +5,7 @@
 #include <iosfwd>
 #include <sstream>
 #include <string>
+#include <vector>
 
 // Swaps a stream's buffer for a string buffer for the capture's lifetime.
 class StreamCapture
@@ -22,6 +23,17 @@ private:
     std::streambuf* _saved;
     std::ostringstream _buffer;
 };
+
+// A program's main run in the test's own process, with both output streams
+// captured; args[0] is the program's name.
+struct MainOutcome
+{
+    int status;
+    std::string out;
+    std::string err;
+};
+MainOutcome runMain(int (*programMain)(int, const char* const*),
+                    std::vector<const char*> args);
 
 // A fresh folder under the system's temporary directory, removed with all
 // its content at the end of the test.
@@ -45,6 +57,8 @@ private:
 
 void writeFile(const std::string& path, const std::string& content);
 std::string readFile(const std::string& path);
+// The names in a folder, "." and ".." aside, in the system's order.
+std::vector<std::string> filesIn(const std::string& folder);
 // The text with every "\n" turned into "\r\n", as a Windows tool writes it.
 std::string withCRLF(const std::string& text);
 

@@ -2,7 +2,6 @@
 // where the arguments themselves are checked, against small stand-in tools.
 #include <csignal>
 #include <cstdlib>
-#include <glob.h>
 #include <random>
 #include <string>
 #include <sys/stat.h>
@@ -39,20 +38,6 @@ std::string readAll(std::istream& in)
     return text;
 }
 
-// The entries of a directory, "." and ".." aside.
-int entriesIn(const std::string& directory)
-{
-    glob_t found;
-    int count = 0;
-    for (const char* pattern : {"/*", "/.[!.]*"})
-        if (glob((directory + pattern).c_str(), 0, nullptr, &found) == 0)
-        {
-            count += static_cast<int>(found.gl_pathc);
-            globfree(&found);
-        }
-    return count;
-}
-
 // Every case runs in a fresh folder under a watchdog (a hang ends the test),
 // makes its pipes in a folder of its own, and must leave nothing there and
 // no child process behind.
@@ -73,7 +58,7 @@ protected:
         setenv("PATH", _savedPath.c_str(), 1);
         chdir(_savedCwd);
         Kt_CompPipe::setCandidateDirectories(nullptr);
-        EXPECT_EQ(0, entriesIn(_pipes));
+        EXPECT_TRUE(filesIn(_pipes).empty());
         EXPECT_EQ(-1, waitpid(-1, nullptr, WNOHANG)) << "a child is left";
         alarm(0);
     }
@@ -131,39 +116,19 @@ protected:
 
 } // namespace
 
-// Both ways through the system's own tools. Two output streams at once:
-// neither command may hold the other's pipe open. Tiny data that does not
-// shrink is complete as well.
-TEST_F(CompStream, RoundTripsEachCompressionThroughTheSystemTools)
+// Reading compressed inputs runs end to end (the bundled example as .gz and
+// .Z); here writing, through the system's own tool.
+TEST_F(CompStream, WritesThroughTheSystemTool)
 {
     const std::string text = motionText();
-    // clang-format off
-    const struct { const char* extension; const char* pack; const char* unpack; int compressed; } tools[] = {
-        {".gz", "gzip -9", "gzip -dc", 1}, {".Z", "compress", "uncompress -c", 1}, {".mov", "cat", "cat", 0}};
-    // clang-format on
-    for (const auto& tool : tools)
-    {
-        SCOPED_TRACE(tool.extension);
-        const std::string name = std::string("walk") + tool.extension;
-        KtCompIFStream in;
-        in.open(compressed(name, tool.pack, text).c_str());
-        EXPECT_EQ(tool.compressed, in.compressed());
-        EXPECT_TRUE(readAll(in) == text) << printedChain();
-
-        KtCompOFStream out, tiny;
-        out.open(file("out" + name).c_str());
-        tiny.open(file("tiny" + name).c_str());
-        ASSERT_TRUE(out.is_open() && tiny.is_open()) << printedChain();
-        out << text;
-        tiny << "x";
-        out.close();
-        tiny.close();
-        EXPECT_TRUE(out.good() && tiny.good());
-        run(std::string(tool.unpack) + " <" + file("out" + name) + " >" +
-            file("back") + " && " + tool.unpack + " <" + file("tiny" + name) +
-            " >>" + file("back"));
-        EXPECT_TRUE(readFile(file("back")) == text + "x");
-    }
+    KtCompOFStream out;
+    out.open(file("out.gz").c_str());
+    ASSERT_TRUE(out.is_open()) << printedChain();
+    out << text;
+    out.close();
+    EXPECT_TRUE(out.good());
+    run("gzip -dc <" + file("out.gz") + " >" + file("back"));
+    EXPECT_TRUE(readFile(file("back")) == text);
 }
 
 // Only a known ending after at least one character (case matters) is read
@@ -237,13 +202,6 @@ TEST_F(CompStream, ReportsACommandThatIsMissingOrCannotStart)
         EXPECT_TRUE(in.fail());
         EXPECT_EQ(errorBlock({noTool.c_str()}), printedChain());
     }
-    std::string out = file("out.Z");
-    KtCompOFStream stream;
-    stream.open(out.c_str());
-    EXPECT_TRUE(stream.fail());
-    noTool = "Cannot find command 'compress' to compress\n'" + out +
-             "'.\nThis command needs to be in your path.";
-    EXPECT_EQ(errorBlock({noTool.c_str()}), printedChain());
 
     fakeTool("gunzip");
     writeFile(file("bin/gunzip"), "not a program\n");
@@ -288,8 +246,6 @@ TEST_F(CompStream, InputEndsEarlyWithoutHanging)
 TEST_F(CompStream, PlantedNamesAndUnusableFoldersDoNotStopARead)
 {
     std::string walk = compressed("walk.amc.gz", "gzip", "x");
-    KtCompOFStream x;
-    EXPECT_EQ(x.instance() + 1, KtCompOFStream().instance());
     std::string planted = "/compifstream" +
                           std::to_string(KtCompIFStream().instance() + 1) +
                           "." + std::to_string(getpid());
@@ -337,7 +293,7 @@ TEST_F(CompStream, KilledReadsLeaveNothingBehind)
         ASSERT_EQ(child, waitpid(child, &status, 0));
         EXPECT_TRUE(WIFSIGNALED(status));
     }
-    EXPECT_EQ(0, entriesIn(_pipes));
+    EXPECT_TRUE(filesIn(_pipes).empty());
 }
 
 // The reasons of a failed file check are the documents' to show (their
@@ -346,32 +302,27 @@ TEST_F(CompStream, PendingErrorOrFailedCheckStopsTheOpen)
 {
     std::string walk = compressed("walk.amc.gz", "gzip", "x");
     KtCompIFStream pending, missing;
-    KtCompOFStream unwritable;
     KtError("Earlier failure.");
     pending.open(walk.c_str());
     EXPECT_EQ(errorBlock({"Earlier failure."}), printedChain());
     missing.open(file("missing.amc").c_str());
-    unwritable.open(file("nowhere/out.gz").c_str());
-    EXPECT_TRUE(pending.fail() && missing.fail() && unwritable.fail());
+    EXPECT_TRUE(pending.fail() && missing.fail());
 }
 
-// The real cjpeg cannot make an image of text; the stand-in gzip ends
-// before reading anything, so the writes meet a pipe without a reader.
+// The stand-in gzip ends before reading anything, so the writes meet a pipe
+// without a reader.
 TEST_F(CompStream, FailedCompressorShowsAfterCloseWithoutSigpipe)
 {
     fakeTool("gzip", "exit 3");
     Quiet quiet;
     sigset_t before, after;
     pthread_sigmask(SIG_SETMASK, nullptr, &before);
-    for (const char* name : {"out.jpeg", "out.gz"})
-    {
-        KtCompOFStream out;
-        out.open(file(name).c_str());
-        ASSERT_TRUE(out.is_open()) << name;
-        out << motionText();
-        out.close();
-        EXPECT_TRUE(out.fail()) << name;
-    }
+    KtCompOFStream out;
+    out.open(file("out.gz").c_str());
+    ASSERT_TRUE(out.is_open());
+    out << motionText();
+    out.close();
+    EXPECT_TRUE(out.fail());
     pthread_sigmask(SIG_SETMASK, nullptr, &after);
     EXPECT_EQ(sigismember(&before, SIGPIPE), sigismember(&after, SIGPIPE));
     sigpending(&after);
