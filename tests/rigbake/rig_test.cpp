@@ -37,7 +37,7 @@ void expectPromiseKept(const KaASF& asf, const KaAMC& amc)
     ASSERT_EQ(0, motbake.status);
     MayaJointModel maya;
     maya.source(rig.str());
-    maya.attach(motbake.mel);
+    maya.source(motbake.mel);
     BodyTable bodies(asf, nullptr);
     StandardPose standard(asf);
     std::istringstream mov(motbake.mov);

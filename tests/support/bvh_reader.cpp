@@ -11,30 +11,22 @@
 namespace
 {
 
-KtVec3d readVector(std::istream& in)
+void expectWords(std::istream& in, std::initializer_list<const char*> words)
 {
+    for (const char* expected : words)
+    {
+        std::string word;
+        in >> word;
+        EXPECT_EQ(expected, word);
+    }
+}
+
+KtVec3d readOffset(std::istream& in)
+{
+    expectWords(in, {"{", "OFFSET"});
     KtVec3d v;
     in >> v[0] >> v[1] >> v[2];
     return v;
-}
-
-// "OFFSET x y z", then "CHANNELS n ..." for a joint.
-void readJointBody(std::istream& in, BvhJoint& joint, bool isEnd)
-{
-    std::string word;
-    in >> word;
-    EXPECT_EQ("{", word);
-    in >> word;
-    EXPECT_EQ("OFFSET", word);
-    (isEnd ? joint.endOffset : joint.offset) = readVector(in);
-    if (isEnd)
-        return;
-    int count = 0;
-    in >> word >> count;
-    EXPECT_EQ("CHANNELS", word);
-    joint.channels.resize(count);
-    for (std::string& channel : joint.channels)
-        in >> channel;
 }
 
 } // namespace
@@ -43,41 +35,41 @@ BvhFile readBVH(const std::string& text)
 {
     BvhFile file;
     std::istringstream in(text);
+    expectWords(in, {"HIERARCHY"});
+    std::vector<int> open; // the joint of each open block, -1 for an end's
     std::string word;
-    in >> word;
-    EXPECT_EQ("HIERARCHY", word);
-    std::vector<int> open; // joints whose block is open
-    int openEnds = 0;
     while (in >> word && word != "MOTION")
-    {
         if (word == "ROOT" || word == "JOINT")
         {
             BvhJoint joint;
             in >> joint.name;
             joint.parent = open.empty() ? -1 : open.back();
-            readJointBody(in, joint, false);
+            joint.offset = readOffset(in);
+            size_t count = 0;
+            expectWords(in, {"CHANNELS"});
+            in >> count;
+            joint.channels.resize(count);
+            for (std::string& channel : joint.channels)
+                in >> channel;
             open.push_back(static_cast<int>(file.joints.size()));
             file.joints.push_back(joint);
         }
-        else if (word == "End" && (in >> word) && word == "Site")
+        else if (word == "End" && !open.empty() && open.back() >= 0)
         {
+            expectWords(in, {"Site"});
             file.joints[open.back()].hasEnd = true;
-            readJointBody(in, file.joints[open.back()], true);
-            ++openEnds;
+            file.joints[open.back()].endOffset = readOffset(in);
+            open.push_back(-1);
         }
-        else if (word == "}" && openEnds > 0)
-            --openEnds;
-        else if (word == "}")
+        else if (word == "}" && !open.empty())
             open.pop_back();
         else
             ADD_FAILURE() << "unexpected " << word;
-    }
     EXPECT_TRUE(open.empty());
-    in >> word >> file.frames;
-    EXPECT_EQ("Frames:", word);
-    std::string time;
-    in >> word >> time >> file.frameTime;
-    EXPECT_EQ("Frame Time:", word + " " + time);
+    expectWords(in, {"Frames:"});
+    in >> file.frames;
+    expectWords(in, {"Frame", "Time:"});
+    in >> file.frameTime;
     size_t channels = 0;
     for (const BvhJoint& joint : file.joints)
         channels += joint.channels.size();
@@ -99,42 +91,30 @@ BvhFile readBVH(const std::string& text)
 BvhPose poseBVH(const BvhFile& file, int frame)
 {
     const size_t count = file.joints.size();
-    BvhPose pose;
-    pose.joints.resize(count);
-    pose.ends.resize(count);
+    BvhPose pose{std::vector<KtVec3d>(count), std::vector<KtVec3d>(count)};
     std::vector<KtMat3d> world(count);
     const double* value = file.values[frame].data();
     for (size_t j = 0; j < count; ++j)
     {
         const BvhJoint& joint = file.joints[j];
         KtMat3d rotation;
-        KtVec3d position;
-        bool positioned = false;
+        KtVec3d position = joint.parent < 0 ? joint.offset : KtVec3d();
         for (const std::string& channel : joint.channels)
         {
-            const int axis = channel[0] - 'X' + 1;
+            const int axis = channel[0] - 'X';
             if (channel.substr(1) == "rotation")
-                rotation = rotation *
-                           KtAxisRotation3d(axis, *value * kKtRadiansPerDegree);
+                rotation =
+                    rotation *
+                    KtAxisRotation3d(axis + 1, *value * kKtRadiansPerDegree);
             else
-            {
-                position[axis - 1] = *value;
-                positioned = true;
-            }
+                position[axis] = *value;
             ++value;
         }
-        if (joint.parent < 0)
-        {
-            pose.joints[j] = positioned ? position : joint.offset;
-            world[j] = rotation;
-        }
-        else
-        {
-            const KtMat3d& parent = world[joint.parent];
-            pose.joints[j] =
-                pose.joints[joint.parent] + parent * (joint.offset + position);
-            world[j] = parent * rotation;
-        }
+        const int p = joint.parent;
+        pose.joints[j] =
+            p < 0 ? position
+                  : pose.joints[p] + world[p] * (joint.offset + position);
+        world[j] = p < 0 ? rotation : world[p] * rotation;
         pose.ends[j] = pose.joints[j] + world[j] * joint.endOffset;
     }
     return pose;

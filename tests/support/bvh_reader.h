@@ -26,7 +26,7 @@ struct BvhFile
 };
 
 // Reads the text; a test fails when it is not a well-formed BVH file whose
-// every frame holds one value per channel.
+// every frame is a line of one value per channel.
 BvhFile readBVH(const std::string& text);
 
 // Forward kinematics, column vectors: a joint's rotation is the product of
