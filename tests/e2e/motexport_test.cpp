@@ -18,44 +18,11 @@ const std::string kBanner = "\nmotexport version 1.0\n\n"
                             "Copyright (c) Quorvane, Inc.  All rights "
                             "reserved.\n";
 
-const std::string kSkeleton =
-    ":version 1.10\n:units length 1 angle deg\n"
-    ":root order TX TY TZ RX RY RZ axis XYZ position 0 0 0 orientation 0 0 0\n"
-    ":bonedata\n  begin name arm direction 1 0 0 length 2 axis 0 0 0 XYZ\n"
-    "    dof rx ry rz end\n:hierarchy\n  begin\n    root arm\n  end\n";
-
-const std::string kMotion = ":FULLY-SPECIFIED\n:DEGREES\n"
-                            "1\nroot 1 2 3 0 0 0\narm 10 20 30\n"
-                            "2\nroot 1 2 3 0 0 0\narm 10 20 30\n";
-
 RunResult runMotexport(const std::vector<std::string>& args,
                        const std::string& workDir = "")
 {
     return runProgram(MOTEXPORT_BIN, args, "", workDir);
 }
-
-// A skeleton, a motion and both outputs in a fresh folder.
-struct Job
-{
-    TempDir dir;
-    std::string asf = dir.file("body.asf");
-    std::string amc = dir.file("move.amc");
-    std::string bvh = dir.file("move.bvh");
-    std::string csv = dir.file("move.CSV");
-
-    Job(const std::string& skeleton, const std::string& motion)
-    {
-        writeFile(asf, skeleton);
-        writeFile(amc, motion);
-    }
-
-    RunResult run() const
-    {
-        return runMotexport({"-f", asf, amc, "30", bvh, csv});
-    }
-
-    std::string read() const { return kBanner + reading(asf) + reading(amc); }
-};
 
 } // namespace
 
@@ -105,32 +72,27 @@ TEST(Motexport, TheCsvLoadsWithNumpyAndPandas)
 // that existed stays as it was, and no temporary file is left.
 TEST(Motexport, ARefusedRunLeavesNoOutputBehind)
 {
-    const std::string lengthZero = ":units length 0";
-    std::string zeroUnit = kSkeleton;
-    zeroUnit.replace(
-        zeroUnit.find(":units length 1"), lengthZero.size(), lengthZero);
     // clang-format off
     const struct { std::string skeleton, motion, err; } cases[] = {
-        {kSkeleton, kMotion + "7\nroot 1 2 3 0 0 0\narm 10 20\n",
+        {kArmSkeleton, kArmMotion + "7\nroot 1 2 3 0 0 0\narm 10 20\n",
          errorBlock({"Bone \"arm\" has 3 dofs in the ASF, but 2 values in frame 7 of the AMC."})},
-        {kSkeleton, kMotion + "3\narm 10 20 30\nroot 1 2 3 0 0 0\n",
-         errorBlock({"Every frame of the AMC must hold the first frame's bone lines in the same order.",
-                     "Bone line 1 of frame 3 is \"arm\" where the first frame has \"root\"."})},
-        {zeroUnit, kMotion,
+        {skeletonText("TX TY TZ RX RY RZ", boneBlock("arm", "rx ry rz"), "    root arm\n", "0"), kArmMotion,
          errorBlock({"Frame 1 puts \"root\" at a position or rotation that is not a finite "
                      "number: check the skeleton's units, lengths and axes, and the scale."})}};
     // clang-format on
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.err);
-        Job job(c.skeleton, c.motion);
-        writeFile(job.bvh, "old");
-        RunResult run = job.run();
+        Conversion job(c.motion, c.skeleton);
+        const std::string bvh = job.dir.file("move.bvh");
+        const std::string csv = job.dir.file("move.CSV");
+        writeFile(bvh, "old");
+        RunResult run = runMotexport({"-f", job.asf, job.amc, "30", bvh, csv});
         EXPECT_EQ(1, run.status);
-        EXPECT_EQ(job.read(), run.out);
+        EXPECT_EQ(kBanner + reading(job.asf) + reading(job.amc), run.out);
         EXPECT_EQ(c.err, run.err);
-        EXPECT_EQ("old", readFile(job.bvh));
-        EXPECT_FALSE(KtFileExists(job.csv.c_str()));
+        EXPECT_EQ("old", readFile(bvh));
+        EXPECT_FALSE(KtFileExists(csv.c_str()));
         EXPECT_EQ(3u, filesIn(job.dir.path()).size());
     }
 }

@@ -37,34 +37,19 @@ std::string renderedDocument(const std::string& address)
         .out;
 }
 
-// The page's status, "key value" lines, as a list of key, value.
-std::vector<std::pair<std::string, std::string>>
-statusOf(const std::string& document)
+// The value on the "key value" line of the page's status.
+std::string statusValue(const std::string& document, const std::string& key)
 {
     const std::string open = "<pre id=\"status\" hidden=\"\">";
     const size_t begin = document.find(open);
     if (begin == std::string::npos)
-        return {};
-    const size_t end = document.find("</pre>", begin);
+        return "(no status)";
+    const size_t from = begin + open.size();
     std::istringstream lines(
-        document.substr(begin + open.size(), end - begin - open.size()));
-    std::vector<std::pair<std::string, std::string>> status;
+        document.substr(from, document.find("</pre>", from) - from));
     for (std::string line; std::getline(lines, line);)
-    {
-        const size_t space = std::min(line.find(' '), line.size());
-        status.emplace_back(line.substr(0, space),
-                            line.substr(std::min(space + 1, line.size())));
-    }
-    return status;
-}
-
-std::string
-valueOf(const std::vector<std::pair<std::string, std::string>>& status,
-        const std::string& key)
-{
-    for (const auto& [name, value] : status)
-        if (name == key)
-            return value;
+        if ((line + " ").compare(0, key.size() + 1, key + " ") == 0)
+            return line.substr(std::min(key.size() + 1, line.size()));
     return "(none)";
 }
 
@@ -132,17 +117,16 @@ TEST(MotexportViewer, DrawsEachFrameInABrowserWithNamesAsText)
         SCOPED_TRACE(frames[i]);
         const std::string document =
             renderedDocument(page + "#frame=" + std::to_string(frames[i]));
-        const auto status = statusOf(document);
-        EXPECT_EQ("ready", valueOf(status, "state"));
-        EXPECT_EQ("", valueOf(status, "error"));
-        EXPECT_EQ("240", valueOf(status, "frames"));
-        EXPECT_EQ(std::to_string(frames[i]), valueOf(status, "frame"));
-        hashes[i] = valueOf(status, "hash");
+        EXPECT_EQ("ready", statusValue(document, "state"));
+        EXPECT_EQ("", statusValue(document, "error"));
+        EXPECT_EQ("240", statusValue(document, "frames"));
+        EXPECT_EQ(std::to_string(frames[i]), statusValue(document, "frame"));
+        hashes[i] = statusValue(document, "hash");
 
         // The CSV's row: frame, time, then the same points in the same order.
         const std::vector<double> row = numbersIn(rows[frames[i]], ',');
         const std::vector<double> drawn =
-            numbersIn(valueOf(status, "points"), ',');
+            numbersIn(statusValue(document, "points"), ',');
         ASSERT_EQ(row.size(), drawn.size() + 2);
         for (size_t v = 0; v < drawn.size(); ++v)
             EXPECT_NEAR(row[v + 2], drawn[v], kPlaceTolerance) << v;
