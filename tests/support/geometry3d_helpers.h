@@ -29,6 +29,3 @@ inline double difference3d(const KtMat3d& a, const KtMat3d& b)
 #define EXPECT_NEAR3D(expected, actual, tolerance)                             \
     EXPECT_LE(difference3d(expected, actual), tolerance)                       \
         << NEAR3D_MESSAGE(expected, actual)
-#define ASSERT_NEAR3D(expected, actual, tolerance)                             \
-    ASSERT_LE(difference3d(expected, actual), tolerance)                       \
-        << NEAR3D_MESSAGE(expected, actual)
