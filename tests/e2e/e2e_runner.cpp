@@ -54,14 +54,7 @@ RunResult runProgram(const std::string& program,
 }
 
 RunResult runMotbake(const std::vector<std::string>& args,
-                     const std::string& input,
-                     const std::string& workDir)
-{
-    return runProgram(MOTBAKE_BIN, args, input, workDir);
-}
-
-RunResult runRigbake(const std::vector<std::string>& args,
                      const std::string& input)
 {
-    return runProgram(RIGBAKE_BIN, args, input);
+    return runProgram(MOTBAKE_BIN, args, input);
 }

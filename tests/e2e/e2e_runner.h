@@ -21,11 +21,8 @@ RunResult runProgram(const std::string& program,
                      const std::string& input = "",
                      const std::string& workDir = "");
 
-// The same for MOTBAKE_BIN and RIGBAKE_BIN.
+// The same for MOTBAKE_BIN.
 RunResult runMotbake(const std::vector<std::string>& args,
-                     const std::string& input = "",
-                     const std::string& workDir = "");
-RunResult runRigbake(const std::vector<std::string>& args,
                      const std::string& input = "");
 
 // The progress lines that every program prints for an input and an output.
@@ -65,17 +62,12 @@ struct Conversion
         writeFile(amc, motion);
     }
 
-    // The arguments, with -f unless prompts are wanted.
-    std::vector<std::string> args(bool force = true) const
-    {
-        std::vector<std::string> all = {asf, amc, "30", mel, mov};
-        if (force)
-            all.insert(all.begin(), "-f");
-        return all;
-    }
-
+    // With -f unless prompts are wanted.
     RunResult run(const std::string& input = "", bool force = true) const
     {
-        return runMotbake(args(force), input);
+        std::vector<std::string> args = {asf, amc, "30", mel, mov};
+        if (force)
+            args.insert(args.begin(), "-f");
+        return runMotbake(args, input);
     }
 };

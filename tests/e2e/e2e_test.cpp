@@ -51,17 +51,11 @@ TEST(Motbake, ConvertsTheKnownCapturesExactlyAsBefore)
     const std::string z = packed.file("walk.amc.Z");
     ASSERT_EQ(0, std::system(("gzip -c " + walk + " >" + gz).c_str()));
     ASSERT_EQ(0, std::system(("compress -c " + amc + " >" + z).c_str()));
-    const struct
-    {
-        std::vector<std::string> options;
-        std::string asf, amc, fps, expected;
-    } captures[] = {{{}, walk, amc, "30", expected},
-                    {{}, gz, z, "30", expected},
-                    {{"-filter", "euler simplify"},
-                     quirky + ".asf",
-                     quirky + ".amc",
-                     "24",
-                     quirky}};
+    // clang-format off
+    const struct { std::vector<std::string> options; std::string asf, amc, fps, expected; } captures[] = {
+        {{}, walk, amc, "30", expected}, {{}, gz, z, "30", expected},
+        {{"-filter", "euler simplify"}, quirky + ".asf", quirky + ".amc", "24", quirky}};
+    // clang-format on
     for (const auto& c : captures)
     {
         SCOPED_TRACE(c.asf);

@@ -26,7 +26,7 @@ TEST(Rigbake, WritesTheExampleRigExactlyAsExpected)
     TempDir dir;
     const std::string asf = EXAMPLES_DIR "/human.asf";
     const std::string mel = dir.file("human_rig.mel");
-    RunResult run = runRigbake({"-f", asf, mel});
+    RunResult run = runProgram(RIGBAKE_BIN, {"-f", asf, mel});
     EXPECT_EQ(0, run.status);
     EXPECT_EQ("", run.err);
     EXPECT_EQ(kBanner + reading(asf) + writing(mel), run.out);
@@ -49,7 +49,7 @@ TEST(Rigbake, HelpTextsAndArgumentCount)
     // clang-format on
     for (const auto& c : cases)
     {
-        RunResult run = runRigbake(c.args);
+        RunResult run = runProgram(RIGBAKE_BIN, c.args);
         EXPECT_EQ(c.status, run.status) << c.args.size();
         EXPECT_EQ(c.out, run.out.substr(0, c.out.size()));
         EXPECT_EQ(c.err, run.err);
@@ -79,7 +79,7 @@ TEST(Rigbake, RefusesBeforeWritingAnything)
     // clang-format on
     for (const auto& c : cases)
     {
-        RunResult run = runRigbake(c.args);
+        RunResult run = runProgram(RIGBAKE_BIN, c.args);
         EXPECT_EQ(1, run.status);
         EXPECT_EQ(c.out, run.out);
         EXPECT_EQ(c.err, run.err);

@@ -72,13 +72,11 @@ TEST(MotexportMotionCheck, RefusesFramesWhoseBoneLinesDiffer)
 TEST(MotexportMotionCheck, RefusesAPoseThatIsNotFinite)
 {
     const KaAMC amc = motionFrom("3\nroot 0 0 0 0 0 0\narm 1 2 3\n");
-    const struct
-    {
-        KaASF asf;
-        const char* body;
-    } cases[] = {
+    // clang-format off
+    const struct { KaASF asf; const char* body; } cases[] = {
         {armSkeleton("direction 1 0 0 length 1 axis 0 0 0 XYZ", "0"), "root"},
         {armSkeleton("direction 1 0 0 length 1 axis inf 0 0 XYZ"), "arm"}};
+    // clang-format on
     for (const auto& c : cases)
     {
         PosedMotion motion(c.asf, amc, 1.0, 30);

@@ -49,14 +49,10 @@ TEST(MotexportPageText, EscapesNamesForMarkupAndForAScript)
 // RFC 4648's examples, then numbers little-endian as the page reads them.
 TEST(MotexportPageText, WritesBase64)
 {
-    const struct
-    {
-        std::string bytes, base64;
-    } cases[] = {{"", ""},
-                 {"f", "Zg=="},
-                 {"fo", "Zm8="},
-                 {"foo", "Zm9v"},
-                 {"foobar", "Zm9vYmFy"}};
+    // clang-format off
+    const struct { std::string bytes, base64; } cases[] = {
+        {"", ""}, {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"foobar", "Zm9vYmFy"}};
+    // clang-format on
     for (const auto& c : cases)
     {
         std::ostringstream out;
