@@ -1,5 +1,4 @@
-// Runs the built motbake binary and checks exit status, standard output,
-// standard error and the files it writes, together.
+// The built motbake: exit status, both output streams and its files.
 #include <cstdlib>
 #include <string>
 #include <unistd.h>

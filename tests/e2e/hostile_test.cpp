@@ -1,6 +1,4 @@
-// Hostile inputs through the real program: Windows line ends, bones the
-// skeleton lacks, a skeleton without bones, a chain 100,000 bones deep,
-// values and frame numbers at the edges, and damaged compressed input.
+// Hostile inputs through the real converter.
 #include <cstdlib>
 #include <string>
 
@@ -10,8 +8,6 @@
 #include "support/test_helpers.h"
 #include "toolkit/KtFile.h"
 
-// Pairs of inputs that differ only in what the converter must not notice
-// convert to the same files.
 TEST(MotbakeHostile, TwinInputsConvertToTheSameFiles)
 {
     const std::string human = readFile(EXAMPLES_DIR "/human.asf");

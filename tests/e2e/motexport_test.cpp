@@ -1,6 +1,4 @@
-// Runs the built motexport binary: the bundled example against its golden
-// exports, the CSV loaded by numpy and pandas, and runs that fail leaving no
-// output behind.
+// The built motexport: its golden exports and runs that fail.
 #include <algorithm>
 #include <string>
 #include <vector>

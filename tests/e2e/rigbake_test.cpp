@@ -1,5 +1,4 @@
-// Runs the built rigbake binary and checks exit status, standard output,
-// standard error and the script it writes, together.
+// The built rigbake: exit status, both output streams and its script.
 #include <string>
 #include <vector>
 
@@ -20,7 +19,6 @@ const std::string kUsage = "     rigbake [-h] [-copyright] [-f]\n"
 
 } // namespace
 
-// The bundled example's skeleton gives the expected rig script.
 TEST(Rigbake, WritesTheExampleRigExactlyAsExpected)
 {
     TempDir dir;
