@@ -38,8 +38,8 @@ TEST(MotexportCommandLine, ShowsUsageAndManualPage)
 }
 
 // The frame rate and the scale are whole positive finite decimal numbers,
-// the up axis y or z; an output must name its format. The last case passes every check and
-// fails only on reading.
+// the up axis y or z; an output must name its format. The last case passes
+// every check and fails only on reading.
 TEST(MotexportCommandLine, RefusesBadArgumentsBeforeReading)
 {
     const std::string fps = "ERROR: Invalid value for fps.\n";
@@ -50,6 +50,8 @@ TEST(MotexportCommandLine, RefusesBadArgumentsBeforeReading)
         {{"-f", "a.asf", "b.amc", "30"}, "ERROR: Invalid number of arguments.\n"},
         {{"a.asf", "b.amc", "30abc", "o.bvh"}, fps},
         {{"a.asf", "b.amc", "0", "o.bvh"}, fps},
+        {{"a.asf", "b.amc", "-5", "o.bvh"}, fps},
+        {{"a.asf", "b.amc", "nan", "o.bvh"}, fps},
         {{"a.asf", "b.amc", "inf", "o.bvh"}, fps},
         {{"a.asf", "b.amc", "", "o.bvh"}, fps},
         {{"a.asf", "b.amc", " 30", "o.bvh"}, fps},
