@@ -35,16 +35,19 @@ std::string readBoth(const Conversion& job)
 
 } // namespace
 
-// The bundled example (also compressed, .gz and .Z) and a capture of quirky
-// names, translating bones and a length unit, converted with filters: every
-// value of the MOV file and the MEL file stay as they have always been
-// written.
+// The bundled example (also compressed, .gz and .Z), the benchmark's two
+// kinds of capture (the human skeleton with and without eight translating
+// bones) and a capture of quirky names, translating bones and a length unit,
+// converted with filters: every value of the MOV file and the MEL file stay
+// as they have always been written.
 TEST(Motbake, ConvertsTheKnownCapturesExactlyAsBefore)
 {
     const std::string walk = EXAMPLES_DIR "/human.asf";
     const std::string amc = EXAMPLES_DIR "/walk.amc";
     const std::string expected = EXAMPLES_DIR "/expected/walk";
     const std::string quirky = TEST_DATA_DIR "/quirky/quirky";
+    const std::string standard = BENCH_GOLDEN_DIR "/bench_standard";
+    const std::string moving = BENCH_GOLDEN_DIR "/bench_translating";
     TempDir packed;
     const std::string gz = packed.file("human.asf.gz");
     const std::string z = packed.file("walk.amc.Z");
@@ -53,6 +56,8 @@ TEST(Motbake, ConvertsTheKnownCapturesExactlyAsBefore)
     // clang-format off
     const struct { std::vector<std::string> options; std::string asf, amc, fps, expected; } captures[] = {
         {{}, walk, amc, "30", expected}, {{}, gz, z, "30", expected},
+        {{}, standard + ".asf", standard + ".amc", "30", standard},
+        {{}, moving + ".asf", moving + ".amc", "30", moving},
         {{"-filter", "euler simplify"}, quirky + ".asf", quirky + ".amc", "24", quirky}};
     // clang-format on
     for (const auto& c : captures)
