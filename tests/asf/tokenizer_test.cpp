@@ -67,16 +67,3 @@ TEST(ASFTokenizer, SplitsWordsAndLineEndsAsTheReadersExpect)
         EXPECT_EQ(c.tokens, tokensOf(c.text)) << c.text;
 }
 // clang-format on
-
-TEST(ASFTokenizer, ConsumesFromTheStreamItIsBuiltOn)
-{
-    std::istringstream in("one\n\ntwo three");
-    ASFTokenizer tokenizer(in);
-    char buf[kTokenSize];
-    EXPECT_STREQ("one", tokenizer.getNextNonEOLToken(buf, kTokenSize));
-    EXPECT_STREQ("two", tokenizer.getNextNonEOLToken(buf, kTokenSize));
-    EXPECT_EQ(3, tokenizer.lineNumber());
-    std::string rest;
-    std::getline(in, rest);
-    EXPECT_EQ(" three", rest);
-}
