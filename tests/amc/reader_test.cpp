@@ -1,7 +1,6 @@
 // The AMC reader: values and their storage, the header check, fields, and
 // every message chain.
 #include <cmath>
-#include <cstring>
 #include <random>
 #include <sstream>
 #include <string>
@@ -12,7 +11,6 @@
 
 #include "amc/KaAMC.h"
 #include "support/test_helpers.h"
-#include "toolkit/KtCancelHandler.h"
 #include "toolkit/KtError.h"
 
 namespace
@@ -289,46 +287,17 @@ TEST(KaAMCReader, ReadsTheSameWhereverTheBlocksSplitTheText)
     }
 }
 
-// Plain and compressed files are read (compressed ones run end to end), the
-// first field alone too. A failed header leaves the document as it was; the
-// entry points quote the path each in their own way.
-TEST(KaAMCReader, FileEntryPoints)
+// The programs check that an input exists before reading it; one that cannot
+// be opened all the same names its path in both messages of the chain.
+TEST(KaAMCReader, SaysWhichFileCouldNotBeOpened)
 {
     TempDir dir;
-    std::string plain = dir.file("walk.amc");
-    std::string bad = dir.file("bad.amc");
-    std::string missing = dir.file("none.amc");
-    writeFile(plain, kWalk);
-    writeFile(bad, ":DEGREES\n1\nroot 1\n");
+    const std::string missing = dir.file("none.amc");
+    const std::string check = "Unable to read \"" + missing + "\".";
     KaAMC amc;
-    amc.readFirstField(plain.c_str());
-    EXPECT_EQ(1, amc.numFields());
-    amc.read(plain.c_str());
-    EXPECT_EQ(3, amc.numFields());
-    EXPECT_EQ(1, KaAMC::fileContainsAMC(plain.c_str()));
-    EXPECT_EQ(0, KaAMC::fileContainsAMC(bad.c_str()));
-    EXPECT_EQ("", printedChain());
-
-    amc.read(bad.c_str());
-    EXPECT_EQ(3, amc.numFields());
-    EXPECT_NE("", printedChain()); // its chain: see the end-to-end tests
-    std::string check = "Unable to read \"" + missing + "\".";
     amc.read(missing.c_str());
     EXPECT_EQ(errorBlock({("Unable to open '" + missing + "'.").c_str(),
                           check.c_str(),
                           "File does not exist."}),
               printedChain());
-}
-
-// The cancel callback is asked after every twentieth field that more text
-// follows.
-TEST(KaAMCReader, StopsWhenCanceled)
-{
-    KtCancelHandler::_proc = [](void*) { return 1; };
-    std::string frames;
-    for (int i = 1; i <= 21; ++i)
-        frames += std::to_string(i) + "\nroot 1\n";
-    const std::string read = bodyRead(frames);
-    KtCancelHandler::_proc = nullptr;
-    EXPECT_EQ(errorBlock({"Canceled."}), read);
 }

@@ -69,16 +69,3 @@ TEST(KaAMCWriter, StopsAtTheFirstFailureWithItsChain)
                           "Unable to write a bone without a name."}),
               printedChain());
 }
-
-TEST(KaAMCWriter, SavesToAFileOrSaysWhyNot)
-{
-    TempDir dir;
-    std::string path = dir.file("out.amc");
-    KaAMC amc = hands({1});
-    amc.save(path.c_str());
-    EXPECT_FALSE(theExceptObj.exceptionOccurred());
-    EXPECT_EQ(writtenText(amc), readFile(path));
-
-    amc.save("/dev/full"); // the failure shows when the text is flushed
-    EXPECT_EQ(errorBlock({"Unable to write '/dev/full'."}), printedChain());
-}
