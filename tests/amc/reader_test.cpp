@@ -300,4 +300,12 @@ TEST(KaAMCReader, SaysWhichFileCouldNotBeOpened)
                           check.c_str(),
                           "File does not exist."}),
               printedChain());
+    // A file whose header lacks its keywords holds no motion.
+    const std::string plain = dir.file("walk.amc");
+    const std::string bad = dir.file("bad.amc");
+    writeFile(plain, ":FULLY-SPECIFIED\n:DEGREES\n1\nroot 1\n");
+    writeFile(bad, ":DEGREES\n1\nroot 1\n");
+    EXPECT_EQ(1, KaAMC::fileContainsAMC(plain.c_str()));
+    EXPECT_EQ(0, KaAMC::fileContainsAMC(bad.c_str()));
+    EXPECT_EQ("", printedChain());
 }

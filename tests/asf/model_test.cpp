@@ -88,3 +88,45 @@ TEST(KaASF, FindsBonesByNameIgnoringCaseAndById)
     EXPECT_EQ(nullptr, skeleton.findDOFGroup("arm"));
     EXPECT_NE(nullptr, skeleton.findDOFGroup("Arm"));
 }
+
+// A copy is deep: links and group references point into the copy. Removing
+// groups, or clearing the document (which keeps its header and root),
+// leaves each DOF that used a group with that group's limits.
+TEST(KaASF, CopiesDeeplyAndRemovedGroupsLeaveTheirLimits)
+{
+    KaASF original;
+    original.header().name = "walker";
+    KaASFDOFGroup* arm = original.addDOFGroup(groupOf("arm", {kDofRX}));
+    KaASFDOFGroup* leg = original.addDOFGroup(groupOf("leg", {kDofRY}));
+    arm->limits(kDofRX)->lower = -0.5f;
+    leg->limits(kDofRY)->upper = 0.25f;
+    KaASFBone* shoulder = original.addBone(boneNamed("shoulder"));
+    KaASFBone* elbow = original.addBone(boneNamed("elbow"));
+    elbow->setParent(shoulder);
+    shoulder->setFirstChild(elbow);
+    elbow->dofGroup().addDOF(KaASFDOF(kDofRX, arm));
+    elbow->dofGroup().addDOF(KaASFDOF(kDofRY, leg));
+    original.root().dofGroup().addDOF(KaASFDOF(kDofRY, leg));
+
+    KaASF copy;
+    copy.addBone(boneNamed("stale"));
+    copy = original;
+    KaASF cleared(copy);
+    KaASFBone* copiedElbow = copy.findBone("elbow");
+    EXPECT_EQ(copy.findBone("shoulder"), copiedElbow->parent());
+    EXPECT_EQ(copiedElbow, copy.findBone("shoulder")->firstChild());
+    EXPECT_EQ(copy.findDOFGroup("arm"),
+              copiedElbow->dofGroup().dofs()[0]->group());
+    EXPECT_EQ(nullptr, copy.findBone("stale"));
+
+    original.removeDOFGroup("arm");
+    EXPECT_EQ(nullptr, original.findDOFGroup("arm"));
+    EXPECT_EQ(-0.5f, elbow->dofGroup().limits(kDofRX)->lower);
+    original.removeDOFGroups();
+    EXPECT_EQ(0.25f, elbow->dofGroup().limits(kDofRY)->upper);
+
+    cleared._clear();
+    EXPECT_EQ(0, cleared.numBones() + cleared.dofGroups().count());
+    EXPECT_STREQ("walker", cleared.header().name.text());
+    EXPECT_EQ(0.25f, cleared.root().dofGroup().limits(kDofRY)->upper);
+}

@@ -322,10 +322,18 @@ TEST(KaASFReader, ReadsFilesAndSaysWhichOneFailed)
     skeleton.read(good.c_str());
     EXPECT_EQ("", printedChain());
     EXPECT_EQ(2, skeleton.numBones());
+    EXPECT_EQ(1, KaASF::fileContainsASF(good.c_str()));
 
     skeleton.read(bad.c_str());
     EXPECT_EQ(errorBlock({("Unable to read '" + bad + "'.").c_str(),
                           "Line 2:  Unknown keyword ':bogus' encountered."}),
               printedChain());
     EXPECT_EQ(0, skeleton.numBones());
+
+    writeFile(bad, "not a skeleton\n");
+    EXPECT_EQ(0, KaASF::fileContainsASF(bad.c_str()));
+    EXPECT_EQ(errorBlock({("Unable to read \"" + bad + "\".").c_str(),
+                          "File does not contain ASF data.",
+                          "File does not contain the ':version' keyword."}),
+              printedChain());
 }

@@ -190,3 +190,30 @@ TEST(KtGetDecomposedRotationMatrix, InferredAxisBeyondAQuarterTurnFlips)
         &found, {2, 3, 0}, compose({1.5f, 0.4f, -0.3f}, full));
     EXPECT_FLOAT_EQ(1.5f, found[0]);
 }
+
+// Results are taken in place, over the candidate.
+TEST(KtGetClosestAngles, PicksTheNearerTripleAfterWrapping)
+{
+    const float p = static_cast<float>(kPi - 0.1);
+    const float q = kQuarter;
+    const float t = static_cast<float>(4 * kPi);
+    // clang-format off
+    const struct { float ref[3]; float cand[3]; int order[3]; float expected[3]; } cases[] = {
+        // A costs 3 (pi - 0.1)^2, B = (-0.1, 0.1, -0.1) only 0.03.
+        {{0, 0, 0}, {p, p, p}, {1, 2, 3}, {-0.1f, 0.1f, -0.1f}},
+        // B = (-q, q, -q) is just as far: a tie keeps the candidate.
+        {{0, 0, 0}, {q, q, q}, {1, 2, 3}, {q, q, q}},
+        // Two turns away, wrapped back component by component.
+        {{0.2f, -0.3f, 0.1f}, {0.2f + t, -0.3f - t, 0.1f + t}, {1, 2, 3}, {0.2f, -0.3f, 0.1f}},
+        // An order that is not 1, 2, 3 once each: the candidate, unchanged.
+        {{0, 0, 0}, {7, 8, 9}, {1, 2, 1}, {7, 8, 9}}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        float out[3] = {c.cand[0], c.cand[1], c.cand[2]};
+        KtGetClosestAngles(&out, c.ref, out, c.order);
+        for (int axis = 0; axis < 3; ++axis)
+            EXPECT_NEAR(c.expected[axis], out[axis], 1e-5f)
+                << c.order[0] << c.order[1] << c.order[2] << " axis " << axis;
+    }
+}
