@@ -1,5 +1,6 @@
 // 4x4 inversion, on both of its routes.
 #include <cmath>
+#include <random>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -120,4 +121,48 @@ TEST(KtVectorAlgo, CrossDotNormalAndPerpendicular)
     KtArbitraryPerpendicular(&p, v);
     EXPECT_NEAR(0.0f, KtDotProduct(p, v), 1e-6f);
     EXPECT_NEAR(1.0f, KtDotProduct(p, p), 1e-6f);
+}
+
+// A frame's pre-operations multiply it on the left, post-operations on the
+// right, each by its elementary matrix.
+TEST(KtCoordSystem, PreOperationsMultiplyOnTheLeftPostOnTheRight)
+{
+    constexpr static float kT = -1.3f;
+    constexpr static float kV[3] = {0.6f, -1.3f, 2.2f};
+    constexpr static float kZAxis[3] = {0.0f, 0.0f, 0.5f}; // any length
+    using Apply = void (*)(KtCoordSystem & frame, bool post);
+    Kt4X4FloatMat scale;
+    for (int i = 0; i < 3; ++i)
+        scale[i][i] = kV[i];
+    // clang-format off
+    const struct { Apply apply; Kt4X4FloatMat elementary; } operations[] = {
+        {[](KtCoordSystem& f, bool post) { post ? f.postTranslateX(kT) : f.preTranslateX(kT); }, translationMatrix(kT, 0, 0)},
+        {[](KtCoordSystem& f, bool post) { post ? f.postTranslateY(kT) : f.preTranslateY(kT); }, translationMatrix(0, kT, 0)},
+        {[](KtCoordSystem& f, bool post) { post ? f.postTranslateZ(kT) : f.preTranslateZ(kT); }, translationMatrix(0, 0, kT)},
+        {[](KtCoordSystem& f, bool post) { post ? f.postTranslate(kV) : f.preTranslate(kV[0], kV[1], kV[2]); }, translationMatrix(kV[0], kV[1], kV[2])},
+        {[](KtCoordSystem& f, bool post) { post ? f.postScale(kV[0], kV[1], kV[2]) : f.preScale(kV); }, scale},
+        {[](KtCoordSystem& f, bool post) { post ? f.postRotateX(kT) : f.preRotateX(kT); }, rotationMatrix(0, kT)},
+        {[](KtCoordSystem& f, bool post) { post ? f.postRotateY(kT) : f.preRotateY(kT); }, rotationMatrix(1, kT)},
+        {[](KtCoordSystem& f, bool post) { post ? f.postRotateZ(kT) : f.preRotateZ(kT); }, rotationMatrix(2, kT)},
+        {[](KtCoordSystem& f, bool post) { post ? f.postRotateAxis(kZAxis, kT) : f.preRotateAxis(kZAxis, kT); }, rotationMatrix(2, kT)}};
+    // clang-format on
+    // A general matrix: not rigid, column 3 not (0, 0, 0, 1), so that a row
+    // or column operation that skips an element shows.
+    std::mt19937 random(17);
+    std::uniform_real_distribution<float> value(-2.0f, 2.0f);
+    KtCoordSystem frame;
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j)
+            frame[i][j] = value(random);
+    for (const auto& op : operations)
+    {
+        KtCoordSystem pre = frame;
+        KtCoordSystem post = frame;
+        op.apply(pre, false);
+        op.apply(post, true);
+        EXPECT_MATRIX_NEAR(op.elementary * frame, pre)
+            << "operation " << &op - operations;
+        EXPECT_MATRIX_NEAR(frame * op.elementary, post)
+            << "operation " << &op - operations;
+    }
 }
