@@ -7,30 +7,12 @@
 #include "support/test_helpers.h"
 #include "toolkit/KtError.h"
 
-TEST(KtCheckException, PrintsTheChainHeadFirstAndClearsIt)
-{
-    StreamCapture err(std::cerr);
-    EXPECT_EQ(0, KtCheckException()); // nothing pending, nothing printed
-    KtError("File does not exist.");
-    KtError("Unable to read \"%s\".", "walk.amc");
-    EXPECT_NE(0, KtCheckException());
-    // A warning lets the run go on. Every record is wrapped and indented by
-    // the head's kind.
-    const std::string a60(60, 'a');
-    KtError("%s", (a60 + " " + std::string(20, 'b')).c_str());
-    KtWarning("line one\nline two");
-    EXPECT_EQ(0, KtCheckException());
-    EXPECT_EQ("\n\nERROR: Unable to read \"walk.amc\".\n"
-              "       File does not exist.\n\n"
-              "\n\nWARNING: line one\n         line two\n         " +
-                  a60 + "\n         " + std::string(20, 'b') + "\n\n",
-              err.text());
-}
-
 // The head's kind alone decides the layout, the verdict and whether a
-// context message goes on top.
+// context message goes on top. Chains of one kind, wrapped and indented, are
+// printed by every failing end-to-end run.
 TEST(KtCheckException, OnlyTheHeadsKindDecides)
 {
+    EXPECT_EQ(0, KtCheckException()); // nothing pending, nothing printed
     KtError("older error");
     KtWarning("newer warning");
     EXPECT_TRUE(theExceptObj.warningOccurred() &&
@@ -47,34 +29,8 @@ TEST(KtCheckException, OnlyTheHeadsKindDecides)
         err.text());
 }
 
-// A file name may hold '%' and be of any length.
-TEST(KtError, ArgumentsAreNeitherReinterpretedNorCut)
-{
-    KtError("Unable to read \"%s\".", "100%s_%d%n.amc");
-    EXPECT_EQ(errorBlock({"Unable to read \"100%s_%d%n.amc\"."}),
-              printedChain());
-    std::string path(3000, 'p');
-    KtError("Unable to read \"%s\".", path.c_str());
-    EXPECT_EQ("\n\nERROR: Unable to read\n       \"" + path + "\".\n\n",
-              printedChain());
-}
-
-TEST(KtError, FatalModeAbortsOnErrorsOnly)
-{
-    KtExceptionHandler::_errors_are_fatal = 1;
-    KtWarning("a warning is never fatal");
-    EXPECT_TRUE(theExceptObj.warningOccurred());
-    KtExceptionHandler::_errors_are_fatal = 0;
-    EXPECT_DEATH(
-        {
-            KtExceptionHandler::_errors_are_fatal = 1;
-            KtError("fatal");
-        },
-        "");
-}
-
 // Extending changes the head's text only; copies keep the chain as it was.
-TEST(KtExcept, CopiesAreDeepAndExtendingChangesTheHeadOnly)
+TEST(KtExcept, CopiesAreDeepExtendingChangesTheHeadAndFatalModeAborts)
 {
     theExceptObj.extendException("nothing pending: %d", 1);
     EXPECT_FALSE(theExceptObj);
@@ -90,6 +46,11 @@ TEST(KtExcept, CopiesAreDeepAndExtendingChangesTheHeadOnly)
     KtStr text;
     KtGetExceptionStr(&text, assigned);
     EXPECT_EQ(errorBlock({"second 2", "first"}), text.text());
+    // Fatal mode aborts on errors only.
+    KtExceptionHandler::_errors_are_fatal = 1;
+    KtWarning("a warning is never fatal");
+    EXPECT_DEATH(KtError("fatal"), "");
+    KtExceptionHandler::_errors_are_fatal = 0;
 }
 
 TEST(KtWrapString, BreaksAtTheLastBlankOnceTheWidthIsPassed)
