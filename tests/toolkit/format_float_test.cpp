@@ -1,13 +1,17 @@
 // KtFormatFloat: printf's "%g" text for every kind of float, and when a
 // stream's insertion gives the same text.
 #include <cfloat>
+#include <cmath>
+#include <cstring>
 #include <limits>
 #include <locale>
+#include <random>
 #include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "support/float_samples.h"
 #include "toolkit/KtFormatFloat.h"
 
 namespace
@@ -88,4 +92,52 @@ TEST(KtStreamFormatsFloatsByDefault, OnlyTheDefaultStateQualifies)
         c.change(out);
         EXPECT_EQ(c.qualifies, KtStreamFormatsFloatsByDefault(out)) << c.state;
     }
+}
+
+// Every tie and all 2^32 floats are compared with printf in the benchmark;
+// here, so that every test run guards the MOV file's digits, the
+// neighbourhood of each power of ten, an even spread over all float bit
+// patterns (subnormals and NaNs included), the double ties and random
+// doubles of every magnitude.
+TEST(KtFormatFloat, MatchesPrintfOnASpreadOfFloatsAndDoubles)
+{
+    long checked = 0;
+    int mismatches = 0;
+    auto compare = [&](auto value)
+    {
+        for (auto signed_ : {value, -value})
+        {
+            char expected[64], text[kKtFloatTextSize];
+            const bool isFloat = sizeof signed_ == sizeof(float);
+            int length = isFloat ? referenceFloatText(expected, signed_)
+                                 : referenceDoubleText(expected, signed_);
+            char* end = isFloat ? KtFormatFloat(text, signed_)
+                                : KtFormatDouble(text, signed_);
+            ++checked;
+            if (std::string(text, end) != std::string(expected, length) &&
+                ++mismatches <= 5)
+                ADD_FAILURE()
+                    << std::hexfloat << signed_ << ": "
+                    << std::string(text, end) << " instead of " << expected;
+        }
+    };
+    forEachFloatNearPowerOfTen(16, compare);
+    constexpr uint32_t kStride = 2053; // odd, so every low bit pattern occurs
+    for (uint32_t bits = 0; bits < 0x80000000u - kStride; bits += kStride)
+        compare(floatFromBits(bits));
+    for (uint32_t bits = 1; bits < 0x800000u; bits += 97) // subnormals
+        compare(floatFromBits(bits));
+    forEachDoubleTieAndPowerOfTen(64, compare);
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 200000; ++i)
+    {
+        uint64_t bits = random();
+        double value = 0.0;
+        std::memcpy(&value, &bits, sizeof value);
+        compare(value);
+        compare(std::ldexp(static_cast<double>(random() >> 11), -53) *
+                std::pow(10.0, static_cast<int>(random() % 13) - 6));
+    }
+    EXPECT_GT(checked, 2800000);
+    EXPECT_EQ(0, mismatches);
 }
