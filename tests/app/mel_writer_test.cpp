@@ -1,6 +1,7 @@
 // The MEL script: its channels over the bodies of the first frame, the
-// filter names and the time unit of every frame rate. The whole text, filter
-// procedures included, is pinned by the known captures converted end to end.
+// filter names, the time unit of every frame rate and a pending error. The
+// whole text, filter procedures included, is pinned by the known captures
+// converted end to end.
 #include <sstream>
 #include <string>
 
@@ -9,6 +10,7 @@
 #include "app/MelWriter.h"
 #include "support/documents.h"
 #include "support/test_helpers.h"
+#include "toolkit/KtError.h"
 
 namespace
 {
@@ -93,4 +95,18 @@ TEST(MelWriter, EveryFrameRateHasItsTimeUnit)
                   script(asf, amc, fps)
                       .find("currentUnit -time " + unit + ";\n    readTake"))
             << fps;
+}
+
+// An error pending after a body's channels stops the script there, with the
+// body named: the root in its own words, a bone as a body.
+TEST(MelWriter, APendingErrorStopsTheScriptAtTheBody)
+{
+    KaASF asf = skeletonFrom(kSkeleton);
+    KaAMC amc = motionFrom("1\nroot 0 0 0 0 0 0\nlfemur 1 2 3\n");
+    KtError("The cause.");
+    EXPECT_EQ(std::string::npos, script(asf, amc, 30).find("importAMC"));
+    EXPECT_EQ(errorBlock({"Unable to convert transformations to channel for "
+                          "\"root\".",
+                          "The cause."}),
+              printedChain());
 }
