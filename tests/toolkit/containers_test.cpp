@@ -1,5 +1,4 @@
-// KtArray, KtDArray, KtList and KtNameList. No program removes from a list,
-// so removal under a visitor goes untested.
+// KtArray, KtDArray, KtList and its visitor, and KtNameList.
 #include <array>
 #include <string>
 #include <vector>
@@ -72,6 +71,31 @@ TEST(KtList, AppendsCopiesAndIndexesLiveElements)
     EXPECT_EQ(nullptr, copy[2]);
     EXPECT_EQ("KtDoubleLinkedList::operator [] (int) : element 2 not found!\n",
               testing::internal::GetCapturedStdout());
+}
+
+// A node removed under a visitor is no longer counted, never seen again, and
+// unlinked when its last visitor leaves, even at the ends of the list.
+TEST(KtDLListIter, RemovedNodesAreSkippedAndUnlinkedWhenLeft)
+{
+    KtList<int> numbers;
+    for (int i = 1; i <= 4; ++i)
+        numbers.append(i);
+    {
+        KtDLListIter iter(&numbers);
+        EXPECT_EQ(1, *static_cast<int*>(iter.next()));
+        numbers.remove(iter.node()); // 2, under the iterator
+        EXPECT_EQ(3, numbers.count());
+        EXPECT_EQ(3, *static_cast<int*>(iter.next()));
+        numbers.remove(numbers._firstNode());
+        numbers.remove(numbers._lastNode());
+        EXPECT_EQ(1, numbers.count());
+        EXPECT_EQ(3, *numbers[0]);
+        EXPECT_EQ(nullptr, iter.next());
+    }
+    EXPECT_EQ(numbers._firstNode(), numbers._lastNode());
+    numbers.removeLast();
+    EXPECT_EQ(nullptr, numbers._firstNode());
+    EXPECT_EQ(nullptr, numbers._lastNode());
 }
 
 // Names of any length (the empty one too) come back by position, across

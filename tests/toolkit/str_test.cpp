@@ -83,13 +83,34 @@ TEST(KtStr, SubstringsEditsSearchesAndComparisons)
     EXPECT_EQ("Unable to read \"" + name + "\".", a.text());
 }
 
-// The verdict needs the whole text; the value is stored either way. The
-// frame rate's checks hold int's own cases; no program parses other kinds.
+// The verdict needs the whole text; the value is stored either way.
 TEST(KtStr, NumbersParseOnlyWhenTheWholeTextIsUsed)
 {
     errno = 0;
-    int i = -1;
-    EXPECT_TRUE(KtStr(" -2147483648").intValue(&i) && i == INT_MIN);
+    // clang-format off
+    const struct { const char* text; bool ok; int value; } cases[] = {
+        {"12", true, 12}, {" 12", true, 12}, {"+30", true, 30}, {"", true, 0},
+        {"12 ", false, 12}, {"12abc", false, 12}, {"30.0", false, 30},
+        {"2147483647", true, 2147483647}, {"-2147483648", true, -2147483647 - 1},
+        {"4294967326", false, 30}, {"-4294967266", false, 30}};
+    // clang-format on
+    for (const auto& c : cases)
+    {
+        int value = -1;
+        EXPECT_EQ(c.ok, KtStr(c.text).intValue(&value)) << c.text;
+        EXPECT_EQ(c.value, value) << c.text;
+    }
+    float f = 0;
+    double d = 0;
+    unsigned long u = 0;
+    int b = -1;
+    EXPECT_TRUE(KtStr("1.5").floatValue(&f) && f == 1.5f);
+    EXPECT_FALSE(KtStr("1.5x").doubleValue(&d));
+    EXPECT_TRUE(KtStr("42").unsignedLongValue(&u) && u == 42u);
+    EXPECT_TRUE(KtStr("yes").booleanValue(&b) && b == 1);
+    EXPECT_TRUE(KtStr("Off").booleanValue(&b) && b == 0);
+    EXPECT_FALSE(KtStr("2").booleanValue(&b) ||
+                 KtStr("maybe").booleanValue(&b));
 
     long value = 0;
     EXPECT_FALSE(KtStr("99999999999999999999").longValue(&value));
