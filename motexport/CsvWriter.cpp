@@ -3,6 +3,7 @@
 // first, then the bones in skeleton order), then of every leaf bone's end.
 #include "motexport/CsvWriter.h"
 
+#include <cstring>
 #include <ostream>
 
 #include "motexport/ExportText.h"
@@ -44,14 +45,35 @@ private:
         _text.character('\n');
     }
 
+    // A name is one word, so only a quote can confuse a CSV reader: a field
+    // that holds one is quoted, its quotes doubled.
     void _columns(int body, const char* infix)
     {
+        const char* name = _motion.name(body);
+        const bool quoted = std::strchr(name, '"') != nullptr;
         for (const char* axis : {"x", "y", "z"})
         {
             _text.character(',');
-            _text.text(_motion.name(body));
+            if (quoted)
+                _quoted(name);
+            else
+                _text.text(name);
             _text.text(infix);
             _text.text(axis);
+            if (quoted)
+                _text.character('"');
+        }
+    }
+
+    // Opens the quoted field and writes the name in it.
+    void _quoted(const char* name)
+    {
+        _text.character('"');
+        for (const char* c = name; *c; ++c)
+        {
+            if (*c == '"')
+                _text.character('"');
+            _text.character(*c);
         }
     }
 

@@ -64,6 +64,24 @@ TEST(Motexport, TheCsvLoadsWithNumpyAndPandas)
     const std::string columns =
         std::to_string(std::count(header.begin(), header.end(), ',') + 1);
     EXPECT_EQ("240 " + columns + " 240 " + columns + " True\n", run.out);
+
+    // A quote that starts a name would open a quoted field of the header.
+    std::string skeleton = kArmSkeleton, motion = kArmMotion;
+    for (std::string* text : {&skeleton, &motion})
+        for (size_t at = 0; (at = text->find("arm", at)) != std::string::npos;
+             at += 3)
+            text->insert(at++, "\"");
+    Conversion job(motion, skeleton);
+    const std::string quoted = job.dir.file("quoted.csv");
+    ASSERT_EQ(0, runMotexport({"-f", job.asf, job.amc, "30", quoted}).status);
+    run = runProgram("/usr/bin/python3",
+                     {"-c",
+                      "import sys, pandas\n"
+                      "print(list(pandas.read_csv(sys.argv[1]).columns[5:]))",
+                      quoted});
+    EXPECT_EQ("['\"arm_x', '\"arm_y', '\"arm_z', "
+              "'\"arm_end_x', '\"arm_end_y', '\"arm_end_z']\n",
+              run.out);
 }
 
 // Nothing is written when the motion or the skeleton is refused, an output
