@@ -1,5 +1,4 @@
-// The AMC reader: values and their storage, the header check, fields, and
-// every message chain.
+// The AMC reader: values, the header check, fields and their chains.
 #include <cmath>
 #include <random>
 #include <sstream>
@@ -18,36 +17,12 @@ namespace
 
 const std::string kHeader = ":FULLY-SPECIFIED\n:DEGREES\n";
 
-// The first field names the bones; the second has one bone fewer, the third
-// one more.
-const char* kWalk = R"AMC(# two bones and a hand
-:FULLY-SPECIFIED
-:DEGREES
-5
-root 1 2 3 4 5 6
-lfemur 10 11 12
-rhand
-3
-ROOT 7 8 9 10 11 12
-lfemur 13
-3
-root 0 0 0 0 0 0
-lfemur 1.5 -2e-3 3
-rhand 1
-lhand 2
-)AMC";
-
 KaAMC scanned(const std::string& text)
 {
     std::istringstream in(text);
     KaAMC amc;
     amc.scanFrom(in);
     return amc;
-}
-
-std::vector<float> values(const KaAMCBone& bone)
-{
-    return std::vector<float>(bone.values(), bone.values() + bone.numValues());
 }
 
 // A motion in one line: "frame: name values, name values; frame: ...",
@@ -134,7 +109,10 @@ TEST(KaAMCBone, ReadsValuesAsStreamExtractionDoes)
         for (float value; reference >> value;)
             expected.push_back(value);
         const KaAMCBone bone = amc.field(0).bone(static_cast<int>(l));
-        ASSERT_EQ(expected, values(bone)) << lines[l];
+        ASSERT_EQ(
+            expected,
+            std::vector<float>(bone.values(), bone.values() + bone.numValues()))
+            << lines[l];
         for (size_t i = 0; i < expected.size(); ++i) // -0 is not 0
             ASSERT_EQ(std::signbit(expected[i]), std::signbit(bone.value(i)))
                 << lines[l];
@@ -147,21 +125,17 @@ TEST(KaAMCHeader, AcceptsVariantsAndNamesWhatIsMissing)
     const std::string k200(200, 'k');
     // Text, units found, reason. Without a reason the header is complete
     // and the body starts at "1".
+    // clang-format off
     const std::tuple<std::string, int, std::string> cases[] = {
-        {"# c\n\n  :fully-specified \n\t:radians\r\n 1", 0, ""},
-        {"#\xfc\r\n:FULLY-SPECIFIED\r\n:DEGREES\r\n1\r\n", 1, ""},
-        {":DEGREES\n:RADIANS\n:FULLY-SPECIFIED\n1", 0, ""},
-        {comment + "\n" + kHeader + "1", 1, ""},
+        {"# c\n\n  :fully-specified \n\t:radians\r\n 1", 0, ""}, {"#\xfc\r\n:FULLY-SPECIFIED\r\n:DEGREES\r\n1\r\n", 1, ""},
+        {":DEGREES\n:RADIANS\n:FULLY-SPECIFIED\n1", 0, ""}, {comment + "\n" + kHeader + "1", 1, ""},
         // The rest of a comment past 128 characters is a new line.
         {comment + ":RADIANS\n:FULLY-SPECIFIED\n1", 0, ""},
-        {":DEGREES\n1\n", 1, "File does not specify mode."},
-        {":FULLY-SPECIFIED\n1\n", 1, "File does not specify units."},
-        {":RADIANS\n:ANGLE\n1", 0, "Unrecognized key word \"ANGLE\"."},
-        {":FULLY-SPECIFIED\n:\n1", 1, "Unrecognized key word \"\"."},
+        {":DEGREES\n1\n", 1, "File does not specify mode."}, {":FULLY-SPECIFIED\n1\n", 1, "File does not specify units."},
+        {":RADIANS\n:ANGLE\n1", 0, "Unrecognized key word \"ANGLE\"."}, {":FULLY-SPECIFIED\n:\n1", 1, "Unrecognized key word \"\"."},
         {":" + k200 + k200, 1, "Unrecognized key word \"" + k200 + "...\"."},
-        {"", 1, "Error reading file."},
-        {kHeader + " \n# end\n", 1, "Error reading file."},
-    };
+        {"", 1, "Error reading file."}, {kHeader + " \n# end\n", 1, "Error reading file."}};
+    // clang-format on
     for (const auto& [text, expectedUnits, reason] : cases)
     {
         SCOPED_TRACE(text);
@@ -177,11 +151,16 @@ TEST(KaAMCHeader, AcceptsVariantsAndNamesWhatIsMissing)
     EXPECT_FALSE(theExceptObj.exceptionOccurred());
 }
 
-// Frame numbers are kept as written, out of order or repeated. A field with
-// fewer bones names only its own; extra bones stay unnamed.
+// Frame numbers are kept as written, out of order or repeated. The first
+// field names the bones; one with fewer names only its own, extra bones stay
+// unnamed.
 TEST(KaAMCReader, FirstFieldNamesTheBonesOfEveryFieldByPosition)
 {
-    KaAMC amc = scanned(kWalk);
+    KaAMC amc =
+        scanned("# two bones and a hand\n" + kHeader +
+                "5\nroot 1 2 3 4 5 6\nlfemur 10 11 12\nrhand\n"
+                "3\nROOT 7 8 9 10 11 12\nlfemur 13\n3\nroot 0 0 0 0 0 0\n"
+                "lfemur 1.5 -2e-3 3\nrhand 1\nlhand 2\n");
     EXPECT_EQ("5: root 1 2 3 4 5 6, lfemur 10 11 12, rhand; "
               "3: root 7 8 9 10 11 12, lfemur 13; "
               "3: root 0 0 0 0 0 0, lfemur 1.5 -0.002 3, rhand 1, ? 2; ",
@@ -243,8 +222,7 @@ TEST(KaAMCReader, ReadsFieldsAsWritten)
         // The last field needs no final newline, nor a frame any bones.
         {"1\nroot 1 2\nlhand 3 4", "1: root 1 2, lhand 3 4; "}, {"7\nroot 1\n8", "7: root 1; 8:; "},
         // A non-number ends the values quietly.
-        {"1\nroot abc 1\nlhand 1 x 2\n", "1: root, lhand 1; "},
-        {"1\r\n  root 1\r\n\tlhand\t 2.5\r\n\r\n", "1: root 1, lhand 2.5; "},
+        {"1\nroot abc 1\nlhand 1 x 2\n", "1: root, lhand 1; "}, {"1\r\n  root 1\r\n\tlhand\t 2.5\r\n\r\n", "1: root 1, lhand 2.5; "},
         // Only a digit starts a field: "-2" is a bone.
         {"1\nroot 1\n-2\nlhand 7\n", "1: root 1, -2, lhand 7; "},
         // A last name with neither values nor a newline is dropped.

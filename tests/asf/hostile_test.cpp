@@ -18,12 +18,6 @@ namespace
 const std::string kVersion = ":version 1.10\n";
 constexpr size_t kMegabyte = 1 << 20;
 
-std::string bone(const std::string& name, const std::string& more = "")
-{
-    return "  begin name " + name +
-           " direction 1 0 0 length 1 axis 0 0 0 XYZ " + more + " end\n";
-}
-
 // The chain of a word refused in the bone on line 3.
 std::string unexpected(const std::string& word)
 {
@@ -66,10 +60,10 @@ TEST(KaASFHostile, HostileTextsGiveTheirChainInBoundedMemory)
     const size_t small = 64 * 1024;
     // clang-format off
     const struct { const char* what; std::string text; std::string chain; size_t peakLimit; } cases[] = {
-        {"a bone name of a megabyte", kVersion + ":bonedata\n" + bone(huge), unexpected(huge.substr(0, 80)), small},
-        {"a NUL byte in a bone name", kVersion + ":bonedata\n" + bone(std::string("a\0b", 3)), unexpected(""), small},
+        {"a bone name of a megabyte", kVersion + ":bonedata\n" + boneBlock(huge), unexpected(huge.substr(0, 80)), small},
+        {"a NUL byte in a bone name", kVersion + ":bonedata\n" + boneBlock(std::string("a\0b", 3)), unexpected(""), small},
         {"a section keyword of a megabyte", kVersion + ":" + huge + "\n", errorBlock({keyword.c_str()}), small},
-        {"a number of a megabyte of digits", kVersion + ":bonedata\n" + bone("a", "bodymass " + std::string(kMegabyte, '9')), unexpected(std::string(80, '9')), small},
+        {"a number of a megabyte of digits", kVersion + ":bonedata\n" + boneBlock("a bodymass " + std::string(kMegabyte, '9')), unexpected(std::string(80, '9')), small},
         {"many bones", bones, "", 8 * bones.size()},
         {"many bones with all DOFs", dofs, "", 8 * dofs.size()},
         {"many groups", named, "", 8 * named.size()},
@@ -98,7 +92,7 @@ TEST(KaASFHostile, ValuesOutOfRangeSurviveWritingAndReadingBack)
         kVersion + ":units\n  length nan\n  mass 1e39\n  angle rad\n" +
         ":root\n  order tx rx\n  position nan inf -1e39\n" +
         "  orientation 1e39 -inf NaN\n:bonedata\n" +
-        bone("a", "dof rx ry rz limits (nan 1) (-1e39 1e39) (inf inf)") +
+        boneBlock("a", "rx ry rz limits (nan 1) (-1e39 1e39) (inf inf)") +
         ":hierarchy\n  begin\n    root a\n  end\n";
     KaASF skeleton;
     KaASF once;

@@ -5,7 +5,7 @@
 
 #include "asf/KaASF.h"
 #include "asf/KaAxisOrder.h"
-#include "support/test_helpers.h"
+#include "support/documents.h"
 
 namespace
 {
@@ -94,22 +94,16 @@ TEST(KaASF, FindsBonesByNameIgnoringCaseAndById)
 // leaves each DOF that used a group with that group's limits.
 TEST(KaASF, CopiesDeeplyAndRemovedGroupsLeaveTheirLimits)
 {
-    KaASF original;
-    original.header().name = "walker";
-    KaASFDOFGroup* arm = original.addDOFGroup(groupOf("arm", {kDofRX}));
-    KaASFDOFGroup* leg = original.addDOFGroup(groupOf("leg", {kDofRY}));
-    arm->limits(kDofRX)->lower = -0.5f;
-    leg->limits(kDofRY)->upper = 0.25f;
-    KaASFBone* shoulder = original.addBone(boneNamed("shoulder"));
-    KaASFBone* elbow = original.addBone(boneNamed("elbow"));
-    elbow->setParent(shoulder);
-    shoulder->setFirstChild(elbow);
-    elbow->dofGroup().addDOF(KaASFDOF(kDofRX, arm));
-    elbow->dofGroup().addDOF(KaASFDOF(kDofRY, leg));
-    original.root().dofGroup().addDOF(KaASFDOF(kDofRY, leg));
-
-    KaASF copy;
-    copy.addBone(boneNamed("stale"));
+    KaASF original = skeletonFrom(
+        ":asf-internal\n:version 1.10\n:name walker\n:units angle rad\n"
+        ":dofgroups\n  begin name arm dof rx limits (-0.5 0) end\n"
+        "  begin name leg dof ry limits (0 0.25) end\n:root order leg\n"
+        ":bonedata\n" +
+        boneBlock("shoulder") + boneBlock("elbow", "arm leg") +
+        ":hierarchy\n  begin\n    shoulder elbow\n  end\n");
+    KaASFBone* elbow = original.findBone("elbow");
+    KaASF copy =
+        skeletonFrom(":version 1.10\n:bonedata\n" + boneBlock("stale"));
     copy = original;
     KaASF cleared(copy);
     KaASFBone* copiedElbow = copy.findBone("elbow");

@@ -1,7 +1,5 @@
-// The skeleton reader: every section's messages with their line numbers and
-// place in the chain, unit conversions, bone ids, internal files with DOF
-// groups and files on disk. Damaged and hostile input have tests of their
-// own.
+// The skeleton reader: each section's messages with their lines, bone ids,
+// internal files with DOF groups, and files on disk.
 #include <sstream>
 #include <string>
 #include <vector>
@@ -71,15 +69,10 @@ void expectChains(const char* failure, const std::vector<ChainCase>& cases)
     }
 }
 
-const KaASFDOF* dofAt(const KaASFDOFGroup& group, int i)
-{
-    return group.dofs()[i];
-}
-
 } // namespace
 
 // clang-format off
-TEST(KaASFReader, ChecksTheHeader)
+TEST(KaASFReader, ReportsEachSectionsErrorsAtTheirLines)
 {
     expectChains(nullptr, {
         {"", 0, "Unexpected end of file."},
@@ -91,10 +84,6 @@ TEST(KaASFReader, ChecksTheHeader)
         {":asf-internal x\n:version 1\n", 0, "Unexpected value for :asf-internal section."},
         {kVersion + "\n:dofgroups\n", 3, "Unknown keyword ':dofgroups' encountered."},
     });
-}
-
-TEST(KaASFReader, ReportsNameAndUnitsErrors)
-{
     expectChains("Unable to read :name section.", {
         {kVersion + ":name a b\n", 2, "Unexpected data 'b' encountered for :name section."},
     });
@@ -108,10 +97,6 @@ TEST(KaASFReader, ReportsNameAndUnitsErrors)
         {units + "  angle grad\n", 3, "Illegal value for angle."},
         {units + "  weight 3\n", 3, "Unexpected 'weight' in :units section."},
     });
-}
-
-TEST(KaASFReader, ReportsRootErrors)
-{
     const std::string root = kVersion + ":root\n";
     expectChains("Unable to read :root section.", {
         {root + "  axis XYZ axis XYZ\n", 3, "Duplicate axis keyword in :root section."},
@@ -125,11 +110,7 @@ TEST(KaASFReader, ReportsRootErrors)
         {root + "  spin 3\n", 3, "Unexpected 'spin' encountered in :root section."},
         {root + "  axis XYZ\n", 4, "Unexpected end of input."},
     });
-}
-
-// The block begins on line 3; each keyword stands on a line of its own.
-TEST(KaASFReader, ReportsBoneDataErrorsInOrder)
-{
+    // The block begins on line 3; each keyword stands on a line of its own.
     const std::string section = kVersion + ":bonedata\n";
     const std::string block = section + "  begin\n";
     const std::string named = block + "  name a\n";
@@ -175,49 +156,34 @@ TEST(KaASFReader, ReportsBoneDataErrorsInOrder)
         {named + "  dof rx\n  limits (0 1) (0 1)\n", 6, "Too many limits specified in :bonedata section."},
         {named + "  colour red\n", 5, "Unexpected 'colour' encountered in :bonedata section."},
     });
-}
-
-// Lines 1-3 hold the header and ":dofgroups". The messages that groups share
-// with bone data come from the same checks, given the section's name: one of
-// each check is enough here.
-TEST(KaASFReader, ReportsDOFGroupErrors)
-{
-    const std::string section = kInternal + ":dofgroups\n";
-    const std::string named = section + "  begin name g\n";
+    // Lines 1-3 hold the header and ":dofgroups". Groups share bone data's
+    // checks, given the section's name: one of each check is enough here.
+    const std::string groups = kInternal + ":dofgroups\n";
+    const std::string group = groups + "  begin name g\n";
     expectChains("Unable to read :dofgroups section.", {
-        {named + "  begin\n", 5, "Expected 'end' keyword in :dofgroups section."},
-        {section + "  begin\n  end\n", 5, "Name undefined in :dofgroups section."},
-        {named + "  name h\n", 5, "Duplicate name specification in :dofgroups section."},
-        {section + "  begin dof rx\n", 4, "Dof defined before name in :dofgroups section."},
-        {named + "  dof rx rx\n", 5, "Unable to read dof in :dofgroups section.", "Line 5:  Dof 'rx' specified more than once."},
-        {named + "  limits (0 1)\n", 5, "Limits defined without the definition of dof in :dofgroups section."},
-        {named + "  dof rx limits (0 1) (0 1)\n", 5, "Too many limits specified in :dofgroups section."},
-        {named + "  weight 3\n", 5, "Unexpected 'weight' encountered in :dofgroups section."},
+        {group + "  begin\n", 5, "Expected 'end' keyword in :dofgroups section."},
+        {groups + "  begin\n  end\n", 5, "Name undefined in :dofgroups section."},
+        {group + "  name h\n", 5, "Duplicate name specification in :dofgroups section."},
+        {groups + "  begin dof rx\n", 4, "Dof defined before name in :dofgroups section."},
+        {group + "  dof rx rx\n", 5, "Unable to read dof in :dofgroups section.", "Line 5:  Dof 'rx' specified more than once."},
+        {group + "  limits (0 1)\n", 5, "Limits defined without the definition of dof in :dofgroups section."},
+        {group + "  dof rx limits (0 1) (0 1)\n", 5, "Too many limits specified in :dofgroups section."},
+        {group + "  weight 3\n", 5, "Unexpected 'weight' encountered in :dofgroups section."},
     });
-}
-
-// Group "arm" (rx ry) is defined on line 4; the bone's "dof" is on line 7.
-TEST(KaASFReader, ReportsBadReferencesToGroups)
-{
-    const std::string block = kInternal + ":dofgroups\n  begin name arm dof rx ry end\n:bonedata\n  begin name a\n";
+    // Group "arm" (rx ry) is defined on line 4; the bone's "dof" on line 7.
+    const std::string armed = kInternal + ":dofgroups\n  begin name arm dof rx ry end\n:bonedata\n  begin name a\n";
     const char* outer = "Unable to read dof in :bonedata section.";
     expectChains("Unable to read :bonedata section.", {
-        {block + "  dof ARM < rz >\n", 7, "Dofgroup 'arm' does not contain dof 'rz'.", nullptr, outer},
-        {block + "  dof arm < q >\n", 7, "Unexpected 'q' encountered.", nullptr, outer},
-        {block + "  dof arm < >\n", 7, "No dof specified within < >.", nullptr, outer},
-        {block + "  dof arm < rx\n", 8, "Unexpected end of input.", nullptr, outer},
-        {block + "  dof arm arm arm arm arm arm arm arm arm end\n", 7, "Too many dofs specified (at most 16).", nullptr, outer},
+        {armed + "  dof ARM < rz >\n", 7, "Dofgroup 'arm' does not contain dof 'rz'.", nullptr, outer},
+        {armed + "  dof arm < q >\n", 7, "Unexpected 'q' encountered.", nullptr, outer},
+        {armed + "  dof arm < >\n", 7, "No dof specified within < >.", nullptr, outer},
+        {armed + "  dof arm < rx\n", 8, "Unexpected end of input.", nullptr, outer},
+        {armed + "  dof arm arm arm arm arm arm arm arm arm end\n", 7, "Too many dofs specified (at most 16).", nullptr, outer},
     });
-}
-
-// Bones a and b stand on lines 3 and 4, ":hierarchy" on line 5.
-TEST(KaASFReader, ReportsHierarchyErrors)
-{
     const std::string begun = kTwoBones + "  begin\n";
     expectChains("Unable to read :hierarchy section.", {
         {kTwoBones + "  start\n", 6, "Expected 'begin' keyword in :hierarchy section, got 'start'."},
-        {begun + "  a x\n", 7, "Unable to find bone 'x'."},
-        {begun + "  x a\n", 7, "Unable to find bone 'x'."},
+        {begun + "  a x\n", 7, "Unable to find bone 'x'."}, {begun + "  x a\n", 7, "Unable to find bone 'x'."},
         {begun + "  root a\n  end extra\n", 8, "Unexpected 'extra' encountered after :hierarchy section."},
         {begun + "  root a\n", 8, "Unexpected end of input."},
         {begun + "  root a\n:skin\n", 8, "Expected 'end' keyword in :hierarchy section."},
@@ -269,12 +235,12 @@ TEST(KaASFReader, ReadsGroupsAndReferencesInInternalFiles)
                           boneBlock("b", "arm arm < > rz"),
                       &skeleton));
     KaASFDOFGroup* arm = skeleton.findDOFGroup("Arm");
-    EXPECT_EQ(arm, dofAt(skeleton.root().dofGroup(), 2)->group());
+    EXPECT_EQ(arm, skeleton.root().dofGroup().dofs()[2]->group());
     const KaASFDOFGroup& a = skeleton.findBone("a")->dofGroup();
     EXPECT_EQ(1.0f, a.limits(kDofTZ)->upper);
     EXPECT_EQ(1.5707964f, a.limits(kDofRX)->upper);
-    EXPECT_EQ(skeleton.findDOFGroup("twist"), dofAt(a, 2)->group());
-    EXPECT_EQ(-1.5707964f, dofAt(a, 2)->limits().lower);
+    EXPECT_EQ(skeleton.findDOFGroup("twist"), a.dofs()[2]->group());
+    EXPECT_EQ(-1.5707964f, a.dofs()[2]->limits().lower);
     EXPECT_EQ(3, skeleton.findBone("b")->dofGroup().numDOFs());
 }
 

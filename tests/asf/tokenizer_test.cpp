@@ -40,18 +40,14 @@ Tokens tokensOf(const std::string& text)
 TEST(ASFTokenizer, SplitsWordsAndLineEndsAsTheReadersExpect)
 {
     const struct { std::string text; Tokens tokens; } cases[] = {
-        {"dof rx ry(", {"dof@1", "rx@1", "ry@1"}},
-        {"limits (-inf, inf)", {"limits@1", "-inf@1", "inf@1"}},
-        {"<rx>", {"<@1", "rx@1", ">@1"}},
-        {"grp<rx ry>", {"grp@1", "<@1", "rx@1", "ry@1", ">@1"}},
+        {"dof rx ry(", {"dof@1", "rx@1", "ry@1"}}, {"limits (-inf, inf)", {"limits@1", "-inf@1", "inf@1"}},
+        {"<rx>", {"<@1", "rx@1", ">@1"}}, {"grp<rx ry>", {"grp@1", "<@1", "rx@1", "ry@1", ">@1"}},
         {"axis 0 0 0 XYZ # comment\nend", {"axis@1", "0@1", "0@1", "0@1", "XYZ@1", "EOL@2", "end@2"}},
         // A run of blank and comment lines is one line end, counted in full.
-        {"a\n\n\nb", {"a@1", "EOL@4", "b@4"}},
-        {"a # one\n# two\n\nb", {"a@1", "EOL@4", "b@4"}},
+        {"a\n\n\nb", {"a@1", "EOL@4", "b@4"}}, {"a # one\n# two\n\nb", {"a@1", "EOL@4", "b@4"}},
         // Nothing before the first word, so no line end either.
         {"\n# heading\n\nword", {"word@4"}},
-        {"a#comment\nb", {"a@1", "EOL@2", "b@2"}},
-        {"x \r\ny\r\n", {"x@1", "EOL@2", "y@2", "EOL@3"}},
+        {"a#comment\nb", {"a@1", "EOL@2", "b@2"}}, {"x \r\ny\r\n", {"x@1", "EOL@2", "y@2", "EOL@3"}},
         // A form feed starts no word: an empty token, and reading moves on.
         {"a \f b", {"a@1", "@1", "b@1"}},
         {":version 1.10\n:name x\n   :units a :b",

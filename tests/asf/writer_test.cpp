@@ -1,12 +1,10 @@
 // The skeleton writer, which the programs never call: a whole skeleton read
 // back the same, numbers in degrees, and failed saves.
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "support/documents.h"
-#include "toolkit/KtError.h"
 
 namespace
 {
@@ -15,14 +13,6 @@ namespace
 // lhumerus has lost its id: a shared group referred to in part and whole,
 // limits with an infinite end, documentation on two lines, two skin names.
 const std::string kRadians = readFile(TEST_DATA_DIR "/asf/walker.asf");
-
-// What the error handler prints for these messages, head first.
-std::string chainOf(const std::vector<std::string>& messages)
-{
-    for (auto older = messages.rbegin(); older != messages.rend(); ++older)
-        KtError("%s", older->c_str());
-    return printedChain();
-}
 
 } // namespace
 
@@ -79,16 +69,15 @@ TEST(KaASFWriter, ReportsEveryFailedSave)
     for (int i = 0; i < 500; ++i)
         large.addBone(*small.findBone("rhumerus"));
     // clang-format off
-    const struct { const KaASF& asf; std::string path; std::vector<std::string> chain; } cases[] = {
-        {small, dir.path(), {unwritable, "File is a directory."}},
-        {small, "/dev/full", {"Unable to write '/dev/full'."}},
-        {large, "/dev/full", {"Unable to write '/dev/full'.", "Unable to write bone."}}};
+    const struct { const KaASF& asf; std::string path; std::string chain; } cases[] = {
+        {small, dir.path(), errorBlock({unwritable.c_str(), "File is a directory."})},
+        {small, "/dev/full", errorBlock({"Unable to write '/dev/full'."})},
+        {large, "/dev/full", errorBlock({"Unable to write '/dev/full'.", "Unable to write bone."})}};
     // clang-format on
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.path);
         c.asf.save(c.path.c_str());
-        const std::string printed = printedChain();
-        EXPECT_EQ(chainOf(c.chain), printed);
+        EXPECT_EQ(c.chain, printedChain());
     }
 }
