@@ -18,14 +18,6 @@ KaASFBone boneNamed(const char* name, int id = 0)
     return bone;
 }
 
-KaASFDOFGroup groupOf(const char* name, std::vector<int> codes)
-{
-    KaASFDOFGroup group(name);
-    for (int code : codes)
-        group.addDOF(code);
-    return group;
-}
-
 } // namespace
 
 // clang-format off
@@ -47,7 +39,9 @@ TEST(KaAxisOrder, ReadsTheFirstThreeLettersOfAWord)
 
 TEST(KaASFDOFGroup, FindsDOFsAndFollowsGroupReferences)
 {
-    KaASFDOFGroup arm = groupOf("arm", {kDofRX, kDofRY, kDofRZ});
+    KaASFDOFGroup arm("arm");
+    for (int code : {kDofRX, kDofRY, kDofRZ})
+        arm.addDOF(code);
     EXPECT_EQ(2, arm.dofIndex(kDofRZ));
     EXPECT_EQ(-1, arm.dofIndex(kDofTX));
     EXPECT_EQ(nullptr, arm.limits(kDofTX));
@@ -84,7 +78,7 @@ TEST(KaASF, FindsBonesByNameIgnoringCaseAndById)
     EXPECT_EQ(first, skeleton.findBone("HIP"));
     EXPECT_EQ(8, skeleton.findBone("lfemur")->id());
     // Groups, unlike bones, are found by their exact name.
-    skeleton.addDOFGroup(groupOf("Arm", {kDofRX}));
+    skeleton.addDOFGroup(KaASFDOFGroup("Arm"));
     EXPECT_EQ(nullptr, skeleton.findDOFGroup("arm"));
     EXPECT_NE(nullptr, skeleton.findDOFGroup("Arm"));
 }

@@ -45,28 +45,21 @@ struct ChainCase
 void expectChains(const char* failure, const std::vector<ChainCase>& cases)
 {
     for (const ChainCase& c : cases)
-    {
-        SCOPED_TRACE(c.input);
-        std::vector<std::string> chain;
-        if (failure)
-            chain.push_back(failure);
-        if (c.outer)
-            chain.push_back(c.outer);
-        chain.push_back(c.line ? "Line " + std::to_string(c.line) + ":  " +
-                                     c.message
-                               : c.message);
-        if (c.detail)
-            chain.push_back(c.detail);
         for (const std::string& input : {c.input, withCRLF(c.input)})
         {
+            SCOPED_TRACE(input);
             KaASF skeleton;
-            std::string printed = chainOf(input, &skeleton);
+            const std::string printed = chainOf(input, &skeleton);
             EXPECT_EQ(0, skeleton.numBones());
-            for (auto older = chain.rbegin(); older != chain.rend(); ++older)
-                KtError("%s", older->c_str());
+            const std::string message =
+                c.line ? "Line " + std::to_string(c.line) + ":  " + c.message
+                       : c.message;
+            for (const char* older :
+                 {c.detail, message.c_str(), c.outer, failure})
+                if (older)
+                    KtError("%s", older);
             EXPECT_EQ(printedChain(), printed);
         }
-    }
 }
 
 } // namespace
