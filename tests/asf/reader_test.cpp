@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "asf/KaASF.h"
-#include "support/test_helpers.h"
+#include "support/documents.h"
 #include "toolkit/KtError.h"
 
 namespace
@@ -192,16 +192,12 @@ TEST(KaASFReader, TakesIdsBeforeADirectionFillsTheGapsAndLinksTheBones)
 {
     auto withId = [](const char* id, const char* name)
     { return "  begin id " + std::string(id) + boneBlock(name).substr(7); };
-    KaASF skeleton;
-    EXPECT_EQ("",
-              chainOf(kVersion + ":bonedata\n" + boneBlock("a") +
-                          withId("3", "b") + boneBlock("c") +
-                          withId("-1", "d") + withId("1", "e") +
-                          "  begin name f length 1 bodymass 3 dof rx id 6 "
-                          "direction 0 0 1 axis 0 0 0 XYZ end\n" +
-                          ":hierarchy\n  begin\n    root a\n    a b c\n" +
-                          "    b d\n  end\n",
-                      &skeleton));
+    const KaASF skeleton = skeletonFrom(
+        kVersion + ":bonedata\n" + boneBlock("a") + withId("3", "b") +
+        boneBlock("c") + withId("-1", "d") + withId("1", "e") +
+        "  begin name f length 1 bodymass 3 dof rx id 6 "
+        "direction 0 0 1 axis 0 0 0 XYZ end\n:hierarchy\n  begin\n"
+        "    root a\n    a b c\n    b d\n  end\n");
     std::vector<int> ids;
     for (const KaASFBone* b : skeleton.bones())
         ids.push_back(b->id());
@@ -218,15 +214,13 @@ TEST(KaASFReader, TakesIdsBeforeADirectionFillsTheGapsAndLinksTheBones)
 // after other DOFs passes.
 TEST(KaASFReader, ReadsGroupsAndReferencesInInternalFiles)
 {
-    KaASF skeleton;
-    EXPECT_EQ("",
-              chainOf(kInternal + ":units angle deg\n:dofgroups\n" +
-                          "  begin name Arm dof rx ry limits (0 90) (-90 0) "
-                          "end\n  begin name twist dof arm < ry > end\n" +
-                          ":root order tx ARM\n:bonedata\n" +
-                          boneBlock("a", "tz arm < rx > twist limits (-1 1)") +
-                          boneBlock("b", "arm arm < > rz"),
-                      &skeleton));
+    KaASF skeleton = skeletonFrom(
+        kInternal + ":units angle deg\n:dofgroups\n" +
+        "  begin name Arm dof rx ry limits (0 90) (-90 0) end\n"
+        "  begin name twist dof arm < ry > end\n:root order tx ARM\n"
+        ":bonedata\n" +
+        boneBlock("a", "tz arm < rx > twist limits (-1 1)") +
+        boneBlock("b", "arm arm < > rz"));
     KaASFDOFGroup* arm = skeleton.findDOFGroup("Arm");
     EXPECT_EQ(arm, skeleton.root().dofGroup().dofs()[2]->group());
     const KaASFDOFGroup& a = skeleton.findBone("a")->dofGroup();
