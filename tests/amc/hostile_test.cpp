@@ -1,6 +1,5 @@
-// Hostile motions: huge lines and names, binary bytes and degenerate files.
-// Each gives a document or a clear message, in time and memory in
-// proportion to its size.
+// Hostile motions give a document or a clear message, in time and memory in
+// proportion to their size.
 #include <string>
 
 #include <gtest/gtest.h>
@@ -18,8 +17,7 @@ constexpr size_t kMegabyte = 1 << 20;
 std::string repeated(const std::string& piece, size_t times)
 {
     std::string text;
-    text.reserve(piece.size() * times);
-    for (size_t i = 0; i < times; ++i)
+    while (times-- > 0)
         text += piece;
     return text;
 }

@@ -1,6 +1,5 @@
-// Hostile skeletons: huge words, binary bytes, values out of range and
-// degenerate files. Each gives a skeleton or a clear message, in memory in
-// proportion to its size.
+// Hostile skeletons give a skeleton or a clear message, in memory in
+// proportion to their size.
 #include <cmath>
 #include <sstream>
 #include <string>
@@ -64,10 +63,8 @@ TEST(KaASFHostile, HostileTextsGiveTheirChainInBoundedMemory)
         {"a NUL byte in a bone name", kVersion + ":bonedata\n" + boneBlock(std::string("a\0b", 3)), unexpected(""), small},
         {"a section keyword of a megabyte", kVersion + ":" + huge + "\n", errorBlock({keyword.c_str()}), small},
         {"a number of a megabyte of digits", kVersion + ":bonedata\n" + boneBlock("a bodymass " + std::string(kMegabyte, '9')), unexpected(std::string(80, '9')), small},
-        {"many bones", bones, "", 8 * bones.size()},
-        {"many bones with all DOFs", dofs, "", 8 * dofs.size()},
-        {"many groups", named, "", 8 * named.size()},
-        {"many references to groups", groups, "", 9 * groups.size()},
+        {"many bones", bones, "", 8 * bones.size()}, {"many bones with all DOFs", dofs, "", 8 * dofs.size()},
+        {"many groups", named, "", 8 * named.size()}, {"many references to groups", groups, "", 9 * groups.size()},
         {"many skin names", skins, "", 8 * skins.size()},
         {"a long documentation", documentation, "", 8 * documentation.size()}};
     // clang-format on
@@ -94,9 +91,7 @@ TEST(KaASFHostile, ValuesOutOfRangeSurviveWritingAndReadingBack)
         "  orientation 1e39 -inf NaN\n:bonedata\n" +
         boneBlock("a", "rx ry rz limits (nan 1) (-1e39 1e39) (inf inf)") +
         ":hierarchy\n  begin\n    root a\n  end\n";
-    KaASF skeleton;
-    KaASF once;
-    KaASF twice;
+    KaASF skeleton, once, twice;
     ASSERT_EQ("", scanWatched(skeleton, text));
     EXPECT_TRUE(std::isnan(skeleton.findBone("a")->length()));
     EXPECT_EQ("", scanWatched(once, writtenText(skeleton)));

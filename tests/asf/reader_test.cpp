@@ -70,8 +70,7 @@ TEST(KaASFReader, ReportsEachSectionsErrorsAtTheirLines)
     expectChains(nullptr, {
         {"", 0, "Unexpected end of file."},
         {"hello\n", 0, "File does not contain ASF data.", "File does not contain the ':version' keyword."},
-        {":version\n", 0, "Unexpected end of file."},
-        {kVersion, 0, "Unexpected end of file."},
+        {":version\n", 0, "Unexpected end of file."}, {kVersion, 0, "Unexpected end of file."},
         {":version abc\n:name x\n", 1, "Invalid value for :version.", kInvalidNumber},
         {":version 1.10 2\n", 0, "Unexpected value for :version section."},
         {":asf-internal x\n:version 1\n", 0, "Unexpected value for :asf-internal section."},
