@@ -56,8 +56,7 @@ TEST(KaASFDOFGroup, FindsDOFsAndFollowsGroupReferences)
     EXPECT_TRUE(bone.hasGroupDOFs() && bone.usesDOFGroup("shoulder"));
 
     // References that run in a circle leave the DOF its own limits.
-    KaASFDOFGroup a("a");
-    KaASFDOFGroup b("b");
+    KaASFDOFGroup a("a"), b("b");
     a.addDOF(KaASFDOF(kDofRX, &b));
     b.addDOF(KaASFDOF(kDofRX, &a));
     KaASFDOF circling(kDofRX, &a);

@@ -220,8 +220,8 @@ TEST(KaASFReader, ReadsGroupsAndReferencesInInternalFiles)
         ":bonedata\n" +
         boneBlock("a", "tz arm < rx > twist limits (-1 1)") +
         boneBlock("b", "arm arm < > rz"));
-    KaASFDOFGroup* arm = skeleton.findDOFGroup("Arm");
-    EXPECT_EQ(arm, skeleton.root().dofGroup().dofs()[2]->group());
+    EXPECT_EQ(skeleton.findDOFGroup("Arm"),
+              skeleton.root().dofGroup().dofs()[2]->group());
     const KaASFDOFGroup& a = skeleton.findBone("a")->dofGroup();
     EXPECT_EQ(1.0f, a.limits(kDofTZ)->upper);
     EXPECT_EQ(1.5707964f, a.limits(kDofRX)->upper);
