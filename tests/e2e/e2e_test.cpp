@@ -131,31 +131,26 @@ TEST(Motbake, AnInputThatFailsStopsTheRunWithItsChain)
               run.err);
 }
 
-// A MEL file that cannot be written stops the run before the MOV file. An
-// output that the system could not take is a failure with its reason, never
-// "done." alone and success, whether it shows at closing (the short MEL
+// A MEL file that cannot be written stops the run before the MOV file; a
+// write the system refuses fails with its reason, at closing (the short MEL
 // file) or while writing (a long MOV file). A bare name too long for the
-// system passes the write check (bare names are taken as creatable) and
-// fails to open.
+// system passes the write check (bare names count as creatable) and fails
+// to open.
 TEST(Motbake, AnOutputThatFailsEndsTheRunWithItsReason)
 {
     std::string longMotion = kMotionHeader;
     for (int frame = 1; frame <= 20000; ++frame)
         longMotion += std::to_string(frame) + "\nroot 1 2 3 0 0 0\narm 1 2 3\n";
     Conversion job(longMotion);
-    const std::string mel = job.mel;
-    const std::string mov = job.mov;
+    const std::string mel = job.mel, mov = job.mov;
     const std::string folder = job.dir.file("no/such");
-    const std::string unwritable =
-        "File \"" + folder + "/out.mel\" is unwritable.";
-    const std::string noFolder =
-        "Parent directory \"" + folder + "\" does not exist.";
     const std::string longName = std::string(300, 'n') + ".mel";
-    const std::string noOpen = "Unable to open \"" + longName + "\".";
-    const std::string full = errorBlock(
-        {"Unable to save \"/dev/full\".",
-         "The file could not be written completely: No space left on device."});
     // clang-format off
+    const std::string unwritable = "File \"" + folder + "/out.mel\" is unwritable.";
+    const std::string noFolder = "Parent directory \"" + folder + "\" does not exist.";
+    const std::string noOpen = "Unable to open \"" + longName + "\".";
+    const std::string full = errorBlock({"Unable to save \"/dev/full\".",
+                                         "The file could not be written completely: No space left on device."});
     const struct { std::string mel, mov, written, err; } cases[] = {
         {folder + "/out.mel", mov, "", errorBlock({unwritable.c_str(), noFolder.c_str()})},
         {"/dev/full", mov, writing("/dev/full"), full},
@@ -198,13 +193,11 @@ TEST(Motbake, DofMismatchesWarnThenTheMovFileFails)
         RunResult run = job.run();
         EXPECT_EQ(1, run.status);
         EXPECT_EQ(readBoth(job) + writing(job.mel) + writing(job.mov), run.out);
+        // clang-format off
         const std::string save = "Unable to save \"" + job.mov + "\".";
-        const std::string body =
-            "Unable to convert transformations to MOV for " + c.body;
-        EXPECT_EQ(
-            c.warnings +
-                errorBlock({save.c_str(), body.c_str(), mismatch.c_str()}),
-            run.err);
+        const std::string body = "Unable to convert transformations to MOV for " + c.body;
+        EXPECT_EQ(c.warnings + errorBlock({save.c_str(), body.c_str(), mismatch.c_str()}), run.err);
+        // clang-format on
         EXPECT_EQ(c.mov, readFile(job.mov));
     }
 }

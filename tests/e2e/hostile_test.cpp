@@ -103,11 +103,9 @@ TEST(MotbakeHostile, MotionsAtTheEdgesConvertOrFailClearly)
         RunResult run = job.run();
         EXPECT_EQ(c.status, run.status);
         EXPECT_EQ(c.mov, readFile(job.mov));
-        if (c.status != 0)
-        {
-            EXPECT_NE(std::string::npos,
-                      run.err.find("ERROR: Unable to save \"" + job.mov));
-        }
+        EXPECT_EQ(c.status != 0,
+                  run.err.find("ERROR: Unable to save \"" + job.mov) !=
+                      std::string::npos);
     }
 }
 
@@ -127,14 +125,12 @@ TEST(MotbakeHostile, ADamagedCompressedInputFailsTheRead)
         writeFile(damaged, packed);
         RunResult run = job.run();
         EXPECT_EQ(1, run.status);
+        // clang-format off
         const std::string reading = "Unable to read '" + damaged + "'.";
-        const std::string status =
-            "'gunzip' ended with status 1 on '" + damaged + "'.";
-        EXPECT_NE(std::string::npos,
-                  run.err.find(errorBlock({reading.c_str(),
-                                           "Unable to decompress file.",
-                                           status.c_str()})))
-            << run.err;
+        const std::string status = "'gunzip' ended with status 1 on '" + damaged + "'.";
+        const std::string chain = errorBlock({reading.c_str(), "Unable to decompress file.", status.c_str()});
+        // clang-format on
+        EXPECT_NE(std::string::npos, run.err.find(chain)) << run.err;
         EXPECT_EQ(std::string::npos, run.out.find(damaged + " ...done."));
         EXPECT_FALSE(KtFileExists(job.mel.c_str()));
     }

@@ -12,13 +12,10 @@
 TEST(Install, PutsEveryProgramAndItsManualPageInPlace)
 {
     TempDir dest;
-    RunResult install = runProgram("/usr/bin/env",
-                                   {"DESTDIR=" + dest.path(),
-                                    CMAKE_COMMAND,
-                                    "--install",
-                                    BUILD_DIR,
-                                    "--prefix",
-                                    "/usr/local"});
+    // clang-format off
+    RunResult install = runProgram("/usr/bin/env", {"DESTDIR=" + dest.path(), CMAKE_COMMAND,
+                                                    "--install", BUILD_DIR, "--prefix", "/usr/local"});
+    // clang-format on
     ASSERT_EQ(0, install.status) << install.err;
     const std::string prefix = dest.path() + "/usr/local";
     for (const char* program : {"motbake", "rigbake", "motexport"})
@@ -28,22 +25,15 @@ TEST(Install, PutsEveryProgramAndItsManualPageInPlace)
         EXPECT_EQ(0, run.status);
         EXPECT_EQ(0u, run.out.find("\nUSAGE\n     " + std::string(program)));
 
+        const std::string man = prefix + "/share/man/man1/" + program + ".1";
         RunResult page =
             runProgram("/usr/bin/env",
-                       {"MANROFFOPT=-ww",
-                        "MANWIDTH=80",
-                        "man",
-                        "-l",
-                        prefix + "/share/man/man1/" + program + ".1"});
+                       {"MANROFFOPT=-ww", "MANWIDTH=80", "man", "-l", man});
         EXPECT_EQ(0, page.status);
         EXPECT_EQ("", page.err);
-        for (const char* section : {"NAME",
-                                    "SYNOPSIS",
-                                    "DESCRIPTION",
-                                    "OPTIONS",
-                                    "EXIT STATUS",
-                                    "EXAMPLES",
-                                    "SEE ALSO"})
+        // clang-format off
+        for (const char* section : {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "EXIT STATUS", "EXAMPLES", "SEE ALSO"})
             EXPECT_NE(std::string::npos, page.out.find(section)) << section;
+        // clang-format on
     }
 }

@@ -41,10 +41,9 @@ TEST(Motexport, ExportsTheBundledExampleExactlyAsBefore)
                   reading("examples/walk.amc") + writing(bvh) + writing(csv) +
                   writing(html),
               run.out);
-    const std::string expected = EXAMPLES_DIR "/expected/";
-    EXPECT_EQ(readFile(expected + "walk.bvh"), readFile(bvh));
-    EXPECT_EQ(readFile(expected + "walk.csv"), readFile(csv));
-    EXPECT_EQ(readFile(expected + "walk.html"), readFile(html));
+    for (const std::string name : {"walk.bvh", "walk.csv", "walk.html"})
+        EXPECT_EQ(readFile(EXAMPLES_DIR "/expected/" + name),
+                  readFile(dir.file(name)));
 }
 
 // Debian's python, where the test's packages put numpy and pandas.

@@ -29,16 +29,6 @@ const std::string kFolder = "<b>&amp;'\"\xE9";
 // A byte that is not UTF-8, as a browser writes it out.
 const std::string kNotUtf8 = "\xEF\xBF\xBD";
 
-// The document as chromium has it once the page has run.
-std::string renderedDocument(const std::string& address)
-{
-    return runProgram(HEADLESS_CHROMIUM,
-                      {"--virtual-time-budget=5000",
-                       "--dump-dom",
-                       "file://" + address})
-        .out;
-}
-
 // The value on the "key value" line of the page's status.
 std::string statusValue(const std::string& document, const std::string& key)
 {
@@ -106,8 +96,13 @@ TEST(MotexportViewer, DrawsEachFrameInABrowserWithNamesAsText)
     for (int i = 0; i < 2; ++i)
     {
         SCOPED_TRACE(frames[i]);
+        // The document as chromium has it once the page has run.
+        const std::string address =
+            "file://" + page + "#frame=" + std::to_string(frames[i]);
         const std::string document =
-            renderedDocument(page + "#frame=" + std::to_string(frames[i]));
+            runProgram(HEADLESS_CHROMIUM,
+                       {"--virtual-time-budget=5000", "--dump-dom", address})
+                .out;
         EXPECT_EQ("ready", statusValue(document, "state"));
         EXPECT_EQ("", statusValue(document, "error"));
         EXPECT_EQ("240", statusValue(document, "frames"));

@@ -1,5 +1,6 @@
 // motexport's command line: what is refused before anything is read.
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -32,9 +33,8 @@ TEST(MotexportCommandLine, ShowsUsageAndManualPage)
               bare.out);
     MainOutcome help = runMotexport({"-H"});
     EXPECT_EQ(0, help.status);
-    EXPECT_NE(std::string::npos, help.out.find("\nBVH\n"));
-    EXPECT_NE(std::string::npos, help.out.find("\nCSV\n"));
-    EXPECT_NE(std::string::npos, help.out.find("\nHTML\n"));
+    for (const char* format : {"\nBVH\n", "\nCSV\n", "\nHTML\n"})
+        EXPECT_NE(std::string::npos, help.out.find(format)) << format;
 }
 
 // The frame rate and the scale are whole positive finite decimal numbers,
@@ -42,38 +42,29 @@ TEST(MotexportCommandLine, ShowsUsageAndManualPage)
 // every check and fails only on reading.
 TEST(MotexportCommandLine, RefusesBadArgumentsBeforeReading)
 {
-    const std::string fps = "ERROR: Invalid value for fps.\n";
     const std::string scale = "ERROR: Invalid value for scale.\n";
     // clang-format off
-    const struct { std::vector<const char*> args; std::string err; } cases[] = {
+    std::vector<std::pair<std::vector<const char*>, std::string>> cases = {
         {{"-scale"}, "\nERROR: Expecting a scale factor.\n"},
         {{"-f", "a.asf", "b.amc", "30"}, "ERROR: Invalid number of arguments.\n"},
-        {{"a.asf", "b.amc", "30abc", "o.bvh"}, fps},
-        {{"a.asf", "b.amc", "0", "o.bvh"}, fps},
-        {{"a.asf", "b.amc", "-5", "o.bvh"}, fps},
-        {{"a.asf", "b.amc", "nan", "o.bvh"}, fps},
-        {{"a.asf", "b.amc", "inf", "o.bvh"}, fps},
-        {{"a.asf", "b.amc", "", "o.bvh"}, fps},
-        {{"a.asf", "b.amc", " 30", "o.bvh"}, fps},
-        {{"a.asf", "b.amc", "0x1e", "o.bvh"}, fps},
-        {{"a.asf", "b.amc", "1e999", "o.bvh"}, fps},
         {{"-scale", "0", "a.asf", "b.amc", "30", "o.bvh"}, scale},
         {{"-SCALE", "1e-3m", "a.asf", "b.amc", "30", "o.bvh"}, scale},
         {{"-up"}, "\nERROR: Expecting an up axis, y or z.\n"},
-        {{"-up", "x", "a.asf", "b.amc", "30", "o.html"},
-         "ERROR: Invalid value for up: expecting y or z.\n"},
+        {{"-up", "x", "a.asf", "b.amc", "30", "o.html"}, "ERROR: Invalid value for up: expecting y or z.\n"},
         {{"a.asf", "b.amc", "30", "o.bvh", "o.txt"},
          "ERROR: Unknown format of output \"o.txt\": its name must end in .bvh, .csv or .html.\n"},
         {{"-scale", ".0254", "-UP", "Z", "/no/a.asf", "b.amc", "29.97", "o.BVH", "p.Csv", "q.HTML"},
          errorBlock({"Unable to read \"/no/a.asf\".", "File does not exist."})}};
+    for (const char* fps : {"30abc", "0", "-5", "nan", "inf", "", " 30", "0x1e", "1e999"})
+        cases.push_back({{"a.asf", "b.amc", fps, "o.bvh"}, "ERROR: Invalid value for fps.\n"});
     // clang-format on
-    for (const auto& c : cases)
+    for (const auto& [args, err] : cases)
     {
-        SCOPED_TRACE(c.err);
-        MainOutcome run = runMotexport(c.args);
+        SCOPED_TRACE(testing::PrintToString(args));
+        MainOutcome run = runMotexport(args);
         EXPECT_EQ(1, run.status);
-        EXPECT_EQ(c.err, run.err);
-        if (c.args.size() > 1)
+        EXPECT_EQ(err, run.err);
+        if (args.size() > 1)
         {
             EXPECT_EQ(kBanner, run.out);
         }

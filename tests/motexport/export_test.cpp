@@ -25,21 +25,14 @@ namespace
 // skeleton's extent (found: 1e-5).
 constexpr double kWritten = 3e-5;
 
-BvhFile exportBVH(PosedMotion& motion)
-{
-    std::ostringstream bvh;
-    EXPECT_TRUE(writeBVH(bvh, motion));
-    return readBVH(bvh.str());
-}
-
-// Frame Time also gives the rate back.
-void expectExact(const KaASF& asf,
-                 const KaAMC& amc,
-                 double scale,
-                 double fps = 30)
+// Frame Time also gives the rate back. Returns the export.
+BvhFile
+expectExact(const KaASF& asf, const KaAMC& amc, double scale, double fps = 30)
 {
     PosedMotion motion(asf, amc, scale, fps);
-    const BvhFile bvh = exportBVH(motion);
+    std::ostringstream text;
+    EXPECT_TRUE(writeBVH(text, motion));
+    const BvhFile bvh = readBVH(text.str());
     EXPECT_DOUBLE_EQ(fps, 1 / bvh.frameTime);
     std::map<std::string, int> bodyOf;
     for (int body = 0; body < motion.numBodies(); ++body)
@@ -61,35 +54,26 @@ void expectExact(const KaASF& asf,
             }
         }
     }
+    return bvh;
 }
 
 // Axis angles in all three components under several axis words, DOF orders
 // other than the axis word's, a bone without DOFs, translating bones, a
 // length unit of 0.45, and the root resting away from the origin, turned
 // and moved (radians in the skeleton, degrees in the motion).
+// clang-format off
 const std::string kBones =
-    boneBlock(
-        "hip", "", "direction 0.3 -1 0.2 length 0.9 axis 0.2 -0.4 0.6 ZYX") +
-    boneBlock("femur",
-              "rz rx ry",
-              "direction 0 -1 0 length 1.8 axis 0.5 0.3 -0.8 XYZ") +
-    boneBlock("slide",
-              "tx ty rz",
-              "direction 1 0.5 0 length 0.45 axis -0.3 0.9 0.1 YZX") +
-    boneBlock(
-        "toe", "ry rx", "direction 0 0 1 length 0.4 axis 1.2 -0.6 0.4 ZXY") +
-    boneBlock(
-        "spine", "tz ry rz rx", "direction 0 1 0 length 1.2 axis 0 0 0 XYZ") +
-    boneBlock(
-        "head", "rx", "direction 0 0.2 1 length 0.5 axis 0.7 0.7 0.7 YXZ");
-const std::string kHierarchy =
-    "    root hip spine\n    hip femur\n    femur slide\n    slide toe\n"
-    "    spine head\n";
+    boneBlock("hip", "", "direction 0.3 -1 0.2 length 0.9 axis 0.2 -0.4 0.6 ZYX") +
+    boneBlock("femur", "rz rx ry", "direction 0 -1 0 length 1.8 axis 0.5 0.3 -0.8 XYZ") +
+    boneBlock("slide", "tx ty rz", "direction 1 0.5 0 length 0.45 axis -0.3 0.9 0.1 YZX") +
+    boneBlock("toe", "ry rx", "direction 0 0 1 length 0.4 axis 1.2 -0.6 0.4 ZXY") +
+    boneBlock("spine", "tz ry rz rx", "direction 0 1 0 length 1.2 axis 0 0 0 XYZ") +
+    boneBlock("head", "rx", "direction 0 0.2 1 length 0.5 axis 0.7 0.7 0.7 YXZ");
+const std::string kHierarchy = "    root hip spine\n    hip femur\n    femur slide\n    slide toe\n    spine head\n";
 const std::string kFrames =
-    "1\nroot 0.2 0.4 -0.3 10 -20 30\nhip\nfemur 40 -30 70\n"
-    "slide 0.1 -0.2 50\ntoe 80 -10\nspine 0.3 -40 20 -60\nhead 25\n"
-    "5\nroot 1 2 3 -170 80 95\nhip\nfemur -120 60 -150\n"
-    "slide -0.4 0.3 -175\ntoe -90 45\nspine 0 179 -89 91\nhead -170\n";
+    "1\nroot 0.2 0.4 -0.3 10 -20 30\nhip\nfemur 40 -30 70\nslide 0.1 -0.2 50\ntoe 80 -10\nspine 0.3 -40 20 -60\nhead 25\n"
+    "5\nroot 1 2 3 -170 80 95\nhip\nfemur -120 60 -150\nslide -0.4 0.3 -175\ntoe -90 45\nspine 0 179 -89 91\nhead -170\n";
+// clang-format on
 
 } // namespace
 
@@ -124,22 +108,12 @@ TEST(MotexportExports, StayExactAtTheLockAndContinuousThroughHalfATurn)
     const KaASF asf = skeletonFrom(skeletonText(
         "TX TY TZ RX RY RZ", boneBlock("arm", "rx ry rz"), "    root arm\n"));
     std::string frames;
-    const char* const arm[] = {"10 90 20",
-                               "10 -90 20",
-                               "0 0 100",
-                               "0 0 170",
-                               "0 0 -170",
-                               "0 0 -100",
-                               "0 0 10"};
     int frame = 0;
-    for (const char* values : arm)
-        frames += std::to_string(++frame) + "\nroot 0 0 0 0 0 0\narm " +
-                  values + "\n";
-    const KaAMC amc = motionFrom(frames);
-    expectExact(asf, amc, 1.0);
-
-    PosedMotion motion(asf, amc, 1.0, 30);
-    const BvhFile bvh = exportBVH(motion);
+    // clang-format off
+    for (const char* arm : {"10 90 20", "10 -90 20", "0 0 100", "0 0 170", "0 0 -170", "0 0 -100", "0 0 10"})
+        frames += std::to_string(++frame) + "\nroot 0 0 0 0 0 0\narm " + arm + "\n";
+    // clang-format on
+    const BvhFile bvh = expectExact(asf, motionFrom(frames), 1.0);
     for (int f = 3; f < bvh.frames; ++f)
         for (size_t c = 0; c < bvh.values[f].size(); ++c)
             EXPECT_LT(std::fabs(bvh.values[f][c] - bvh.values[f - 1][c]), 180)

@@ -12,16 +12,16 @@
 namespace
 {
 
-const std::string kArm = "    root arm\n";
-
-KaASF armSkeleton(
-    const std::string& geometry = "direction 1 0 0 length 1 axis 0 0 0 XYZ",
-    const std::string& lengthUnit = "1")
+KaASF armSkeleton(const std::string& axis = "0 0 0",
+                  const std::string& lengthUnit = "1")
 {
-    return skeletonFrom(skeletonText("TX TY TZ RX RY RZ",
-                                     boneBlock("arm", "rx ry rz", geometry),
-                                     kArm,
-                                     lengthUnit));
+    return skeletonFrom(skeletonText(
+        "TX TY TZ RX RY RZ",
+        boneBlock("arm",
+                  "rx ry rz",
+                  "direction 1 0 0 length 1 axis " + axis + " XYZ"),
+        "    root arm\n",
+        lengthUnit));
 }
 
 } // namespace
@@ -30,9 +30,9 @@ KaASF armSkeleton(
 // never names (arm) is no matter.
 TEST(MotexportMotionCheck, WarnsOncePerBoneLineThatNoBodyTakes)
 {
-    const KaAMC amc = motionFrom("1\nroot 0 0 0 0 0 0\ntail 1\nROOT 1 2 3 4 5 "
-                                 "6\nTail 2\n2\nroot 0 0 0 0 0 0\ntail 1\n"
-                                 "ROOT 1 2 3 4 5 6\nTail 2\n");
+    const std::string frame =
+        "\nroot 0 0 0 0 0 0\ntail 1\nROOT 1 2 3 4 5 6\nTail 2\n";
+    const KaAMC amc = motionFrom("1" + frame + "2" + frame);
     warnAboutBoneLines(armSkeleton(), amc);
     EXPECT_EQ(warningBlock({"Bone \"ROOT\" has more than one line in a frame "
                             "of the AMC: only the first is used.",
@@ -74,8 +74,7 @@ TEST(MotexportMotionCheck, RefusesAPoseThatIsNotFinite)
     const KaAMC amc = motionFrom("3\nroot 0 0 0 0 0 0\narm 1 2 3\n");
     // clang-format off
     const struct { KaASF asf; const char* body; } cases[] = {
-        {armSkeleton("direction 1 0 0 length 1 axis 0 0 0 XYZ", "0"), "root"},
-        {armSkeleton("direction 1 0 0 length 1 axis inf 0 0 XYZ"), "arm"}};
+        {armSkeleton("0 0 0", "0"), "root"}, {armSkeleton("inf 0 0"), "arm"}};
     // clang-format on
     for (const auto& c : cases)
     {

@@ -9,15 +9,9 @@
 
 #include "motexport/PageText.h"
 
-namespace
-{
-
-const std::string kReplacement = "\xEF\xBF\xBD";
-
-} // namespace
-
 TEST(MotexportPageText, EscapesNamesForMarkupAndForAScript)
 {
+    const std::string kReplacement = "\xEF\xBF\xBD";
     // clang-format off
     const struct { std::string name, html, json; } cases[] = {
         {"walk.amc", "walk.amc", "\"walk.amc\""},

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <sstream>
 #include <string>
@@ -23,10 +24,8 @@
 class MayaJointModel
 {
 public:
-    // The lines of a rig script that build joints (createNode, setAttr), and
-    // those of motbake's import script that give a channel its MOV column
-    // (defineVirtualDevice) and drive an attribute by a channel
-    // (attachDeviceAttr).
+    // Reads a rig script's createNode and setAttr lines, and motbake's
+    // defineVirtualDevice and attachDeviceAttr lines.
     void source(const std::string& script)
     {
         std::istringstream lines(script);
@@ -41,8 +40,7 @@ public:
             for (std::string word; in >> word;)
                 if (word != "-type" && word != "double3")
                     w.push_back(word);
-            // Maya refuses a parent that does not exist yet; so does the
-            // model (by throwing).
+            // A parent not yet created throws, as Maya refuses it.
             if (w.size() >= 4 && w[0] == "createNode")
                 _joints[w[3]].parent =
                     w.size() >= 6 ? &_joints.at(w[5]) : nullptr;
@@ -60,9 +58,8 @@ public:
     void applyTake(const std::string& movLine)
     {
         std::istringstream in(movLine);
-        std::vector<double> values;
-        for (double value; in >> value;)
-            values.push_back(value);
+        const std::vector<double> values{std::istream_iterator<double>(in),
+                                         std::istream_iterator<double>()};
         for (const auto& [column, attribute] : _attachments)
             set(attribute, 0, values.at(column + 1));
     }
@@ -89,10 +86,7 @@ private:
         Joint& joint = _joints.at(attribute.substr(0, dot));
         const std::string name = attribute.substr(dot + 1);
         if (name == "rotateOrder")
-        {
-            joint.rotateOrder = static_cast<int>(value);
-            return;
-        }
+            return void(joint.rotateOrder = static_cast<int>(value));
         KtVec3d& v = name.rfind("translate", 0) == 0 ? joint.translate
                      : name.rfind("rotate", 0) == 0  ? joint.rotate
                                                      : joint.jointOrient;
@@ -117,7 +111,6 @@ private:
         return m;
     }
 
-    // The joint's world rotation and position.
     static std::pair<KtMat3d, KtVec3d> world(const Joint& joint)
     {
         static const int kOrders[6][3] = {

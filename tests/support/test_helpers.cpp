@@ -6,22 +6,11 @@
 #include <fstream>
 #include <ftw.h>
 #include <iostream>
+#include <iterator>
 #include <stdexcept>
 #include <unistd.h>
 
 #include "toolkit/KtError.h"
-
-StreamCapture::StreamCapture(std::ostream& stream)
-    : _stream(stream)
-    , _saved(stream.rdbuf())
-{
-    _stream.rdbuf(_buffer.rdbuf());
-}
-
-StreamCapture::~StreamCapture()
-{
-    _stream.rdbuf(_saved);
-}
 
 MainOutcome runMain(int (*programMain)(int, const char* const*),
                     std::vector<const char*> args)
@@ -87,9 +76,7 @@ void writeFile(const std::string& path, const std::string& content)
 std::string readFile(const std::string& path)
 {
     std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 std::vector<std::string> filesIn(const std::string& folder)

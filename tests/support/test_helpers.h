@@ -11,8 +11,13 @@
 class StreamCapture
 {
 public:
-    explicit StreamCapture(std::ostream& stream);
-    ~StreamCapture();
+    explicit StreamCapture(std::ostream& stream)
+        : _stream(stream)
+        , _saved(stream.rdbuf())
+    {
+        _stream.rdbuf(_buffer.rdbuf());
+    }
+    ~StreamCapture() { _stream.rdbuf(_saved); }
     StreamCapture(const StreamCapture&) = delete;
     StreamCapture& operator=(const StreamCapture&) = delete;
 
