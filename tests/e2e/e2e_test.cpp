@@ -35,11 +35,9 @@ std::string readBoth(const Conversion& job)
 
 } // namespace
 
-// The bundled example (also compressed, .gz and .Z), the benchmark's two
-// kinds of capture (the human skeleton with and without eight translating
-// bones) and a capture of quirky names, translating bones and a length unit,
-// converted with filters: every value of the MOV file and the MEL file stay
-// as they have always been written.
+// The bundled example (plain, .gz and .Z), the benchmark's human skeleton
+// with and without eight translating bones, and a capture of quirky names,
+// translating bones and a length unit converted with filters: byte for byte.
 TEST(Motbake, ConvertsTheKnownCapturesExactlyAsBefore)
 {
     const std::string walk = EXAMPLES_DIR "/human.asf";
@@ -203,8 +201,7 @@ TEST(Motbake, DofMismatchesWarnThenTheMovFileFails)
 }
 
 // An output that is an input or the other output, under any spelling or
-// through a link, is refused before anything is read or written, even with
-// -f.
+// through a link, is refused before any read or write, even with -f.
 TEST(Motbake, RefusesAnOutputThatIsAnInputOrTheOtherOutput)
 {
     Conversion job;

@@ -2,6 +2,7 @@
 // example, exported under names that hold markup, and the page reports what
 // it drew in its status element.
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
@@ -49,10 +50,7 @@ std::vector<double> numbersIn(std::string text, char separator)
 {
     std::replace(text.begin(), text.end(), separator, ' ');
     std::istringstream in(text);
-    std::vector<double> numbers;
-    for (double number; in >> number;)
-        numbers.push_back(number);
-    return numbers;
+    return {std::istream_iterator<double>(in), std::istream_iterator<double>()};
 }
 
 } // namespace

@@ -50,17 +50,14 @@ void expectPromiseKept(const KaASF& asf, const KaAMC& amc)
         for (int body = 0; body < bodies.count(); ++body)
         {
             const std::string name = bodies.name(body);
-            EXPECT_NEAR3D(standard.start(body),
-                          maya.worldPosition(name + "_joint"),
-                          kTolerance)
-                << name << " in frame " << frame;
+            SCOPED_TRACE(name + " in frame " + std::to_string(frame));
+            // clang-format off
+            EXPECT_NEAR3D(standard.start(body), maya.worldPosition(name + "_joint"), kTolerance);
             if (maya.has(name + "_end"))
             {
-                EXPECT_NEAR3D(standard.end(body),
-                              maya.worldPosition(name + "_end"),
-                              kTolerance)
-                    << name << " in frame " << frame;
+                EXPECT_NEAR3D(standard.end(body), maya.worldPosition(name + "_end"), kTolerance);
             }
+            // clang-format on
         }
     }
     EXPECT_EQ(amc.numFields(), frame);
