@@ -1,4 +1,3 @@
-// The command line: help texts, option scan, argument and frame-rate checks.
 #include <sstream>
 #include <string>
 #include <vector>
@@ -12,7 +11,7 @@
 namespace
 {
 
-// The program is named "motbake" whatever path it was started by.
+// Named "motbake" whatever path it was started by.
 MainOutcome runMotbake(std::vector<const char*> args)
 {
     args.insert(args.begin(), "/usr/local/bin/motbake-renamed");
@@ -28,7 +27,6 @@ const std::string kUsage = R"(     motbake [-h] [-copyright] [-f]
 // The manual page up to the sections whose wording is ours to choose.
 const std::string kManpage = readFile(TEST_DATA_DIR "/app/manpage_head.txt");
 
-// What a help printer writes for the program "motbake".
 std::string printed(void (*print)(std::ostream&, const KtStr&))
 {
     std::ostringstream out;
@@ -40,7 +38,7 @@ std::string printed(void (*print)(std::ostream&, const KtStr&))
 
 // Options ignore case; help texts alone end the run. With positional
 // arguments the banner follows, and then the checks.
-TEST(CommandLine, HelpOptionsAndArgumentChecks)
+TEST(CommandLine, HelpOptionsFilterAndArgumentChecks)
 {
     const std::string manual = printed(printManpage);
     const std::string copyright = printed(printCopyright);
@@ -71,10 +69,7 @@ TEST(CommandLine, HelpOptionsAndArgumentChecks)
         EXPECT_EQ(c.out, run.out);
         EXPECT_EQ(c.err, run.err);
     }
-}
-
-TEST(CommandLine, FilterTakesTheNextArgumentAndTheLastOneWins)
-{
+    // -filter takes the next argument, and the last one wins.
     runMotbake({"-filter", "first", "-FILTER", "euler simplify", "-h"});
     EXPECT_STREQ("euler simplify", theFilterText.text());
     theFilterText = "";

@@ -1,7 +1,5 @@
-// The MEL script: its channels over the bodies of the first frame, the
-// filter names, the time unit of every frame rate and a pending error. The
-// whole text, filter procedures included, is pinned by the known captures
-// converted end to end.
+// The MEL script's whole text, filter procedures included, is pinned by the
+// known captures converted end to end; here, what they never hold.
 #include <sstream>
 #include <string>
 
@@ -71,8 +69,8 @@ TEST(MelWriter, ChannelsAreNumberedOverTheBodiesOfTheFirstFrame)
 }
 
 // Separators anywhere, also at the end, only separate filter names; a text
-// of separators only means no filters.
-TEST(MelWriter, FilterNamesAreSeparatedByAnyBlanks)
+// of separators only means no filters. Each frame rate has its time unit.
+TEST(MelWriter, FilterNamesAndTimeUnits)
 {
     KaASF asf = skeletonFrom(kSkeleton);
     KaAMC amc = motionFrom("1\nroot 0 0 0 0 0 0\nlfemur 1 2 3\n");
@@ -81,12 +79,6 @@ TEST(MelWriter, FilterNamesAreSeparatedByAnyBlanks)
     EXPECT_NE(std::string::npos, filtered.find("-f euler -f simplify;"));
     EXPECT_EQ(filtered, script(asf, amc, 24, "\teuler\r\n simplify  "));
     EXPECT_EQ(script(asf, amc, 24), script(asf, amc, 24, " \t "));
-}
-
-TEST(MelWriter, EveryFrameRateHasItsTimeUnit)
-{
-    KaASF asf = skeletonFrom(kSkeleton);
-    KaAMC amc = motionFrom("1\nlfemur 1 2 3\n");
     std::istringstream rates("15 game 24 film 25 pal 30 ntsc 48 show 50 palf "
                              "60 ntscf");
     int fps = 0;

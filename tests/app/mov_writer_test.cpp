@@ -1,6 +1,5 @@
-// The MOV file: rotation values copied as read, also in radians, which no
-// known capture holds. Positions of translating bodies are pinned by the
-// known captures converted end to end.
+// Positions of translating bodies are pinned by the known captures converted
+// end to end; radians are in none of them.
 #include <sstream>
 #include <string>
 
@@ -8,18 +7,6 @@
 
 #include "app/MovWriter.h"
 #include "support/documents.h"
-
-namespace
-{
-
-std::string movText(const KaASF& asf, const KaAMC& amc, int fps = 30)
-{
-    std::ostringstream out;
-    writeMOVData(out, asf, amc, fps);
-    return out.str();
-}
-
-} // namespace
 
 // A root with rotations only gives only its rotation values; radians stay
 // radians, copied as read in DOF order; a body absent from a frame adds
@@ -33,6 +20,8 @@ TEST(MovWriter, RotationValuesAreCopiedAsReadInDofOrder)
     KaAMC amc = motionFrom("15\narm 1.5e-07 -2.25\nroot 3.14159265 "
                            "0.000123456789\nleg 1\n16\narm 7 8\n",
                            "RADIANS");
+    std::ostringstream out;
+    writeMOVData(out, asf, amc, 30);
     EXPECT_EQ("0.5 3.14159 0.000123457 1.5e-07 -2.25 1 \n0.533333 7 8 \n",
-              movText(asf, amc));
+              out.str());
 }

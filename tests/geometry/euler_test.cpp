@@ -1,6 +1,3 @@
-// Euler angles: composition against the elementary turns, decomposition
-// round trips for every order with its failure table (gimbal lock, orders
-// given in part, the inferred axis).
 #include <cmath>
 #include <random>
 
@@ -88,10 +85,9 @@ TEST(KtComposeRotationMatrix, UnknownCodesKeepTheirLongStandingEffect)
                        KtComposeRotationMatrix(oneAngle, shortOrder));
 }
 
-// Composition turns about the order's axes first listed first. Away from
-// gimbal lock the three decomposed angles of a composed rotation compose to
-// it again; angles inside the principal ranges come back themselves. Elements drifting past 1 are
-// clamped, so a non-rotation gives finite angles.
+// Away from gimbal lock decomposed angles compose to the rotation again, and
+// angles inside the principal ranges come back themselves. Elements drifting
+// past 1 are clamped, so a non-rotation gives finite angles.
 TEST(KtGetDecomposedRotationMatrix, RoundTripsEveryOrder)
 {
     std::mt19937 random(31);
@@ -106,13 +102,6 @@ TEST(KtGetDecomposedRotationMatrix, RoundTripsEveryOrder)
         // the order does not name.
         bool proper = order[0] == order[2];
         int last = proper ? 6 - order[0] - order[1] : order[2];
-        auto rebuilt = [&](const float(&found)[3])
-        {
-            return threeTurns(order,
-                              found[order[0] - 1],
-                              found[order[1] - 1],
-                              found[last - 1]);
-        };
         float found[3];
         for (int trial = 0; trial < 500; ++trial)
         {
@@ -143,7 +132,11 @@ TEST(KtGetDecomposedRotationMatrix, RoundTripsEveryOrder)
             KtGetDecomposedRotationMatrix(&found, order, m);
             EXPECT_TRUE(found[order[0] - 1] == 0.0f || found[last - 1] == 0.0f)
                 << middle;
-            EXPECT_MATRIX_NEAR(m, rebuilt(found));
+            EXPECT_MATRIX_NEAR(m,
+                               threeTurns(order,
+                                          found[order[0] - 1],
+                                          found[order[1] - 1],
+                                          found[last - 1]));
         }
     }
 }

@@ -1,7 +1,5 @@
 // The converter's pose where no known capture reaches it: values that do
-// not fit their DOFs, radians, other DOF kinds and a frame without root
-// values. The rest of it is pinned by the known captures converted end to
-// end.
+// not fit their DOFs, radians, other DOF kinds, a frame without root values.
 #include <string>
 #include <tuple>
 #include <vector>
@@ -16,12 +14,7 @@
 #include "support/geometry_helpers.h"
 #include "support/heap_watch.h"
 
-namespace
-{
-constexpr int kX = 0;
-constexpr int kZ = 2;
-
-} // namespace
+constexpr int kX = 0, kZ = 2;
 
 // Translations first, in DOF order, then rotations from the last DOF back,
 // each through a "pre" operation (the last one applied stands leftmost),

@@ -34,21 +34,13 @@ KaASF skeleton(const std::string& root,
                         "\n:hierarchy\n  begin\n" + hierarchy + "\n  end\n");
 }
 
-// Each body's values in the field, found by name.
-const KaAMCBone* const* valuesOf(const KaAMCField& field, BodyTable& bodies)
-{
-    bodies.bind(field);
-    return bodies.boundValues();
-}
-
 StandardPose pose(const KaASF& asf, const std::string& frame, int degrees = 1)
 {
-    KaAMC motion = documentFrom<KaAMC>(std::string(":FULLY-SPECIFIED\n") +
-                                       (degrees ? ":DEGREES" : ":RADIANS") +
-                                       "\n1\n" + frame);
+    KaAMC motion = motionFrom("1\n" + frame, degrees ? "DEGREES" : "RADIANS");
     StandardPose standard(asf);
     BodyTable bodies(asf, nullptr);
-    standard.evaluate(valuesOf(motion.field(0), bodies), degrees);
+    bodies.bind(motion.field(0));
+    standard.evaluate(bodies.boundValues(), degrees);
     return standard;
 }
 
@@ -157,7 +149,8 @@ TEST(StandardPose, StartsEveryBoneWhereItsParentEnds)
     BodyTable bodies(asf, nullptr);
     for (int frame = 0; frame < motion.numFields(); frame += 60)
     {
-        standard.evaluate(valuesOf(motion.field(frame), bodies), 1);
+        bodies.bind(motion.field(frame));
+        standard.evaluate(bodies.boundValues(), 1);
         EXPECT_NEAR3D(standard.start(0), standard.end(0), 0.0);
         for (int body = 1; body < standard.count(); ++body)
         {

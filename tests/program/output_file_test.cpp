@@ -11,18 +11,6 @@
 #include "support/test_helpers.h"
 #include "toolkit/KtError.h"
 
-namespace
-{
-
-mode_t modeOf(const std::string& path)
-{
-    struct stat status;
-    stat(path.c_str(), &status);
-    return status.st_mode & 07777;
-}
-
-} // namespace
-
 TEST(WriteOutputFileWhole, ReplacesTheTargetOnlyWithCompleteContent)
 {
     TempDir dir;
@@ -47,9 +35,10 @@ TEST(WriteOutputFileWhole, ReplacesTheTargetOnlyWithCompleteContent)
                          [](std::ostream& file) { file << "new"; });
     EXPECT_EQ("", printedChain());
     EXPECT_EQ("new", readFile(target));
-    EXPECT_EQ(0640u, modeOf(target));
+    struct stat status;
+    stat(target.c_str(), &status);
+    EXPECT_EQ(0640u, status.st_mode & 07777);
     EXPECT_EQ(std::vector<std::string>{"take.bvh"}, filesIn(dir.path()));
-    EXPECT_EQ("Writing \"" + target + "\"...done.\n" + "Writing \"" + target +
-                  "\"...done.\n",
-              out.text());
+    const std::string done = "Writing \"" + target + "\"...done.\n";
+    EXPECT_EQ(done + done, out.text());
 }

@@ -1,4 +1,3 @@
-// The programs' shared start.
 #include <exception>
 #include <new>
 
@@ -6,38 +5,23 @@
 
 #include "program/ProgramStart.h"
 
-namespace
-{
-
-void printNothing(std::ostream&, const KtStr&)
-{
-}
-
-void startAProgram()
-{
-    const char* argv[] = {"prog", "input"};
-    const ProgramDescription program{"prog", "1.0", printNothing, printNothing};
-    testing::internal::CaptureStdout();
-    startProgram(2, argv, program);
-    testing::internal::GetCapturedStdout();
-}
-
-} // namespace
-
 // A failed new, and an array size that new cannot even ask for, end with
 // the containers' message, never as a silent abort.
 TEST(ProgramStart, RunningOutOfMemoryEndsWithOneMessage)
 {
+    auto start = []
+    {
+        auto noHelp = [](std::ostream&, const KtStr&) {};
+        const char* argv[] = {"prog", "input"};
+        testing::internal::CaptureStdout();
+        startProgram(2, argv, {"prog", "1.0", noHelp, noHelp});
+        testing::internal::GetCapturedStdout();
+    };
     const char* kMessage = "^Memory allocation failed\n$";
+    EXPECT_DEATH((start(), std::get_new_handler()()), kMessage);
     EXPECT_DEATH(
         {
-            startAProgram();
-            std::get_new_handler()();
-        },
-        kMessage);
-    EXPECT_DEATH(
-        {
-            startAProgram();
+            start();
             try
             {
                 throw std::bad_array_new_length();

@@ -1,4 +1,3 @@
-// KtArray, KtDArray, KtList and its visitor, and KtNameList.
 #include <array>
 #include <string>
 #include <vector>

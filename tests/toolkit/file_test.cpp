@@ -1,4 +1,3 @@
-// File access checks and path helpers.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -20,13 +19,9 @@ TEST(KtFileDirOfPath, TakesEverythingBeforeTheLastSlash)
     EXPECT_STREQ("", KtFileDirOfPath(nullptr).text());
 }
 
-// Files read, created and overwritten pass in every end-to-end run, a bare
-// name (taken as creatable without any test) too; a missing input and a
-// missing output folder fail there with their reasons.
-// The path, and under it the first test that failed. Permissions mean
-// nothing to root, so those cases run in a child process that first becomes
-// an ordinary user, and exits 0 only when the printed chain is the expected
-// one (else it shows what it got).
+// Reads, creations, overwrites and bare names pass in every end-to-end run; a
+// missing input or output folder fails there. Permissions mean nothing to
+// root, so those cases run in a child that first becomes an ordinary user.
 TEST(KtPathCheck, NamesThePathAndTheFirstFailingTest)
 {
     TempDir dir;
