@@ -47,24 +47,10 @@ TEST(KtFormatFloat, WritesPrintfsSixDigitForms)
     // clang-format on
     for (const auto& c : cases)
         EXPECT_EQ(c.text, formatted(c.value)) << std::hexfloat << c.value;
-}
-
-// Doubles take the same layout; the extremes go to printf.
-TEST(KtFormatDouble, WritesPrintfsSixDigitForms)
-{
-    // clang-format off
-    const struct { double value; const char* text; } cases[] = {
-        {-0.0, "-0"}, {0.1 + 0.2, "0.3"}, {1.0 / 30, "0.0333333"}, {-999999.5, "-1e+06"},
-        {1234565.0, "1.23456e+06"}, {123456.5, "123456"}, {0.000123456789, "0.000123457"},
-        {1e20, "1e+20"}, {1e-20, "1e-20"}, {1e300, "1e+300"}, {DBL_TRUE_MIN, "4.94066e-324"},
-        {-std::numeric_limits<double>::infinity(), "-inf"}};
-    // clang-format on
-    for (const auto& c : cases)
-    {
-        char text[kKtFloatTextSize];
-        EXPECT_EQ(c.text, std::string(text, KtFormatDouble(text, c.value)))
-            << std::hexfloat << c.value;
-    }
+    // Doubles take the same layout, compared with printf below; a zero, which
+    // the spread never meets, is written as the float's, sign included.
+    char text[kKtFloatTextSize];
+    EXPECT_EQ("-0", std::string(text, KtFormatDouble(text, -0.0)));
 }
 
 TEST(KtStreamFormatsFloatsByDefault, OnlyTheDefaultStateQualifies)
