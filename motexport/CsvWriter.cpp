@@ -3,8 +3,8 @@
 // first, then the bones in skeleton order), then of every leaf bone's end.
 #include "motexport/CsvWriter.h"
 
-#include <cstring>
 #include <ostream>
+#include <string>
 
 #include "motexport/ExportText.h"
 #include "motexport/PosedMotion.h"
@@ -45,36 +45,32 @@ private:
         _text.character('\n');
     }
 
-    // A name is one word, so only a quote can confuse a CSV reader: a field
-    // that holds one is quoted, its quotes doubled.
     void _columns(int body, const char* infix)
     {
-        const char* name = _motion.name(body);
-        const bool quoted = std::strchr(name, '"') != nullptr;
         for (const char* axis : {"x", "y", "z"})
         {
             _text.character(',');
-            if (quoted)
-                _quoted(name);
-            else
-                _text.text(name);
-            _text.text(infix);
-            _text.text(axis);
-            if (quoted)
-                _text.character('"');
+            _field(std::string(_motion.name(body)) + infix + axis);
         }
     }
 
-    // Opens the quoted field and writes the name in it.
-    void _quoted(const char* name)
+    // A name is one word, so only a quote can confuse a CSV reader: a field
+    // that holds one is quoted, its quotes doubled.
+    void _field(const std::string& field)
     {
-        _text.character('"');
-        for (const char* c = name; *c; ++c)
+        if (field.find('"') == std::string::npos)
         {
-            if (*c == '"')
-                _text.character('"');
-            _text.character(*c);
+            _text.text(field.c_str());
+            return;
         }
+        _text.character('"');
+        for (char c : field)
+        {
+            if (c == '"')
+                _text.character('"');
+            _text.character(c);
+        }
+        _text.character('"');
     }
 
     bool _writeRow(int frame)
